@@ -1,0 +1,38 @@
+# The compile flags of this project's own code. They stay with it: nothing here reaches a consumer.
+
+add_library(orvo_flags INTERFACE)
+target_compile_features(orvo_flags INTERFACE cxx_std_20)
+
+# Results are the same bits on every compiler: no fused multiply-add, no reordering.
+target_compile_options(
+  orvo_flags
+  INTERFACE $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-ffp-contract=off>
+            $<$<CXX_COMPILER_ID:MSVC>:/fp:precise
+            /utf-8>)
+
+target_compile_options(
+  orvo_flags
+  INTERFACE $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-Wall
+            -Wextra
+            -Wpedantic
+            -Wshadow
+            -Wconversion
+            -Wsign-conversion
+            -Wnon-virtual-dtor
+            -Wold-style-cast
+            -Wcast-align>
+            $<$<CXX_COMPILER_ID:MSVC>:/W4>)
+if(ORVO_WARNINGS_AS_ERRORS)
+  target_compile_options(orvo_flags INTERFACE $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-Werror>
+                                              $<$<CXX_COMPILER_ID:MSVC>:/WX>)
+endif()
+
+if(ORVO_SANITIZE)
+  target_compile_options(orvo_flags INTERFACE -fsanitize=${ORVO_SANITIZE} -fno-sanitize-recover=all
+                                              -fno-omit-frame-pointer)
+  target_link_options(orvo_flags INTERFACE -fsanitize=${ORVO_SANITIZE})
+endif()
+if(ORVO_COVERAGE)
+  target_compile_options(orvo_flags INTERFACE --coverage -fprofile-update=atomic)
+  target_link_options(orvo_flags INTERFACE --coverage)
+endif()

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <Orvo/Angle.h>
+#include <Orvo/Export.h>
+#include <Orvo/Kin/RotariesSolution.h>
+#include <Orvo/Vector3D.h>
+
+#include <memory>
+
+namespace Orvo::Kin {
+
+class Machine;
+class MachinePosition;
+class ProgramSystem;
+struct ProgramSystemComputeImplementation;
+
+/// Solves for one program system: its head, table and axes, and its choice of rotary solutions.
+///
+/// Holds a copy of the program system and a calculator of its own. A copy is a second handle on
+/// the same ones. The machine must outlive every handle and its tree must not change meanwhile.
+/// One thread per object.
+class ORVO_API ProgramSystemCompute {
+ public:
+  ProgramSystemCompute(const Machine& machine, const ProgramSystem& programSystem);
+  ProgramSystemCompute(const ProgramSystemCompute& other);
+  ProgramSystemCompute& operator=(const ProgramSystemCompute& other);
+  virtual ~ProgramSystemCompute();
+
+  /// Computes the rotary values that turn the tool onto a direction, chosen by the program
+  /// system's policy.
+  ///
+  /// "Default" and "AlphaPositive": the solutions of MachineCompute::ComputeToolIjkTcsToMcsAbc as
+  /// they are. "ShortestWay": an arbitrary axis takes its current value; each angle goes to the
+  /// equivalent nearest the current value, by whole turns, and into the axis's range where that is
+  /// checked; angles up to 0.01 radian outside a limit are set to it; solutions outside the ranges
+  /// are dropped; of two that are left, the one with the smaller sum of moves comes first.
+  ///
+  /// @param pos  current axis values by register: lengths in the machine's unit, angles in degrees
+  /// @param ijk  requested direction in the table's frame, from the tool tip towards the head
+  /// @param sol  receives the solutions
+  /// @return true on success, even without a solution: ask the count. False where
+  ///   MachineCompute::ComputeToolIjkTcsToMcsAbc fails
+  bool ComputeToolIjkTcsToMcsAbc(const MachinePosition& pos, const Vector3D& ijk,
+                                 RotariesSolution* sol);
+
+  /// Computes the values of the main linear axes that bring the tool point to a point, as
+  /// MachineCompute::ComputeToolTcsToMcsXyz does. Ranges are not looked at.
+  ///
+  /// @param pos     axis values by register
+  /// @param offset  the tool point lies at minus this in the head's frame
+  /// @param point   the requested point in the table's frame
+  /// @param xyz     receives the values of the main X, Y and Z axes
+  bool ComputeToolTcsToMcsXyz(const MachinePosition& pos, const Vector3D& offset,
+                              const Vector3D& point, Vector3D* xyz);
+
+  /// Tells whether the main linear axes stand within their ranges, limits included. Axes that
+  /// don't exist and axes whose range is not checked are within.
+  ///
+  /// @param pos      axis values by register
+  /// @param inRange  may be null; else three flags, for X, Y and Z
+  /// @throws std::out_of_range when a main linear register lies outside @p pos
+  bool CheckLinearRange(const MachinePosition& pos, bool* const inRange);
+
+  /// Does the same for three values of the main X, Y and Z axes.
+  bool CheckLinearRange(const Vector3D& xyz, bool* const inRange);
+
+ private:
+  Angle ComputeClosestAngle(const Angle& angle, const Angle& reference);
+  Angle ComputeClosestAngle(const Angle& angle, const Angle& reference, const Angle& min,
+                            const Angle& max);
+
+  std::shared_ptr<ProgramSystemComputeImplementation> implementation_;
+};
+
+}  // namespace Orvo::Kin

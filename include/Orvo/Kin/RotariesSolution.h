@@ -1,0 +1,27 @@
+#pragma once
+
+#include <Orvo/Angle.h>
+#include <Orvo/Export.h>
+
+namespace Orvo::Kin {
+
+/// The values of two rotary axes that turn the tool onto a direction: up to two pairs.
+///
+/// Alpha belongs to the first rotary register of the request, beta to the second, whatever their
+/// order in the machine. The angles are values of the axes, counted from register value 0. With
+/// one solution of two axes the second pair repeats the first, within 0.001 degree; a single
+/// axis, and a solution that the choice by range dropped, leave it at 0.
+struct ORVO_API RotariesSolution {
+  /// The number of solutions: 0, 1 or 2.
+  unsigned int Count = 0;
+
+  /// The register of an axis whose value is arbitrary because the direction lies on it, or -1.
+  int FreeRegister = -1;
+
+  Angle Alpha1;
+  Angle Beta1;
+  Angle Alpha2;
+  Angle Beta2;
+};
+
+}  // namespace Orvo::Kin
