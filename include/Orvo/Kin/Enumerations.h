@@ -41,9 +41,9 @@ enum EntityLinkType : int {
 /// Deliberate: the words are mixed-case, unlike those of the other enumerations, and a new
 /// ProgramSystem starts with `RotariesComputeShortestWay`.
 enum RotariesCompute : int {
-  RotariesComputeDefault = 0,        ///< "Default": the solutions as computed
-  RotariesComputeShortestWay = 1,    ///< "ShortestWay": unwrapped, filtered by range, nearest first
-  RotariesComputeAlphaPositive = 2   ///< "AlphaPositive": as "Default"
+  RotariesComputeDefault = 0,       ///< "Default": the solutions as computed
+  RotariesComputeShortestWay = 1,   ///< "ShortestWay": unwrapped, filtered by range, nearest first
+  RotariesComputeAlphaPositive = 2  ///< "AlphaPositive": as "Default"
 };
 
 /// The result of the last Machine::Finish. The first failing check, in the order parent cycle,

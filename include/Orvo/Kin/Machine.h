@@ -138,7 +138,8 @@ class ORVO_API Machine : public ISerializableXML {
   /// @return false when the file can't be opened or is no XML, when it is no machine or when
   ///   something required is missing; what was read before that stays. True otherwise: deliberate,
   ///   whatever Finish() says; ask GetLastError() or IsFinished().
-  /// @throws std::invalid_argument, std::out_of_range for a text where a number must stand; what was
+  /// @throws std::invalid_argument, std::out_of_range for a text where a number must stand; what
+  /// was
   ///   read before stays
   /// @throws std::length_error as Finish() does
   bool ReadXML(const std::wstring& path);
@@ -168,7 +169,9 @@ class ORVO_API Machine : public ISerializableXML {
  private:
   bool IsValid();
   int CountLinearAxesNb() const;
-  Entity* AppendEntity(const Entity& entity);
+  Entity* AppendEntity(std::list<Entity>* added);
+  Entity* AddLinkedEntity(const std::wstring& name, const EntityId& parent, EntityType type,
+                          const EntityLink& link, bool checkRangeAxis);
   bool SerializeXML_ProgramSystems(XMLWriter& writer, XMLElement* parent);
   bool DeserializeXML_ProgramSystems(XMLReader& reader, XMLElement* parent);
   bool SerializeXML_CollisionCheck(XMLWriter& writer, XMLElement* parent);

@@ -1,0 +1,58 @@
+#include "model/KinematicImplementation.h"
+
+#include <Orvo/Kin/Kinematic.h>
+
+namespace Orvo::Kin {
+
+namespace {
+
+// The element of a table at an index, or null outside it.
+const Entity* At(const std::vector<const Entity*>& table, int index) {
+  return index < 0 || static_cast<std::size_t>(index) >= table.size()
+             ? nullptr
+             : table[static_cast<std::size_t>(index)];
+}
+
+}  // namespace
+
+Kinematic::Kinematic() : implementation_(std::make_shared<KinematicImplementation>()) {}
+
+Kinematic::Kinematic(const Kinematic& other) = default;
+
+Kinematic& Kinematic::operator=(const Kinematic& other) = default;
+
+Kinematic::~Kinematic() = default;
+
+const std::list<Entity>& Kinematic::GetListEntity() const { return implementation_->entities; }
+
+const Entity* Kinematic::GetEntity(const EntityId& id) const {
+  return At(implementation_->byEntityId, id.GetVal());
+}
+
+const Entity* Kinematic::GetEntity(const Register& reg) const {
+  return At(implementation_->byRegister, reg.GetVal());
+}
+
+const Entity* Kinematic::GetEntityHead(const HeadIndex& head) const {
+  return At(implementation_->heads, head.GetVal());
+}
+
+const Entity* Kinematic::GetEntityTable(const TableIndex& table) const {
+  return At(implementation_->tables, table.GetVal());
+}
+
+std::list<Entity>* Kinematic::GetListEntityMod() { return &implementation_->entities; }
+
+std::vector<const Entity*>* Kinematic::GetVectorSortedByEntityIdMod() {
+  return &implementation_->byEntityId;
+}
+
+std::vector<const Entity*>* Kinematic::GetVectorSortedByRegisterMod() {
+  return &implementation_->byRegister;
+}
+
+std::vector<const Entity*>* Kinematic::GetVectorHeadMod() { return &implementation_->heads; }
+
+std::vector<const Entity*>* Kinematic::GetVectorTableMod() { return &implementation_->tables; }
+
+}  // namespace Orvo::Kin

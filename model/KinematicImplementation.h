@@ -1,0 +1,26 @@
+#pragma once
+
+#include <Orvo/Kin/Entity.h>
+
+#include <list>
+#include <vector>
+
+namespace Orvo::Kin {
+
+/// The store that the handles of a Kinematic share.
+struct KinematicImplementation {
+  KinematicImplementation() = default;
+  KinematicImplementation(const KinematicImplementation&) = delete;
+  KinematicImplementation& operator=(const KinematicImplementation&) = delete;
+  virtual ~KinematicImplementation() = default;
+
+  std::list<Entity> entities;
+
+  // Pointers into the list, filled by Machine::Finish.
+  std::vector<const Entity*> tables;
+  std::vector<const Entity*> heads;
+  std::vector<const Entity*> byEntityId;
+  std::vector<const Entity*> byRegister;
+};
+
+}  // namespace Orvo::Kin

@@ -1,0 +1,184 @@
+#include "model/ParentForest.h"
+
+#include <Orvo/Kin/Machine.h>
+
+#include <algorithm>
+#include <stdexcept>
+#include <utility>
+#include <vector>
+
+namespace Orvo::Kin {
+
+namespace {
+
+using EntityTable = std::vector<const Entity*>;
+
+// Ids and registers are places in tables: this bounds each table to 128 MB.
+constexpr int LargestPlace = 16777215;
+
+constexpr int SmallestLinearAxesNb = 3;
+
+struct Extent {
+  int entityIdMax = -1;
+  int registerMax = 0;
+};
+
+Extent MeasureExtent(const std::list<Entity>& entities) {
+  Extent extent;
+  for (const Entity& entity : entities) {
+    extent.entityIdMax = std::max(extent.entityIdMax, entity.GetEntityId().GetVal());
+    extent.registerMax = std::max(extent.registerMax, entity.GetRegister().GetVal());
+  }
+  if (extent.entityIdMax > LargestPlace) {
+    throw std::length_error("Machine::Finish : identifier out of range");
+  }
+  if (extent.registerMax > LargestPlace) {
+    throw std::length_error("Machine::Finish : register out of range");
+  }
+  return extent;
+}
+
+// Places the elements at their ids or registers; of equal ones the last in the list stays.
+template <typename GetPlace>
+EntityTable MakeTable(const std::list<Entity>& entities, int size, GetPlace getPlace) {
+  EntityTable table(static_cast<std::size_t>(size), nullptr);
+  for (const Entity& entity : entities) {
+    const int place = getPlace(entity);
+    if (place >= 0) {
+      table[static_cast<std::size_t>(place)] = &entity;
+    }
+  }
+  return table;
+}
+
+EntityTable CollectType(const std::list<Entity>& entities, EntityType type) {
+  EntityTable table;
+  for (const Entity& entity : entities) {
+    if (entity.GetEntityType() == type) {
+      table.push_back(&entity);
+    }
+  }
+  return table;
+}
+
+bool IsAlong(const Vector3D& dir, const Vector3D& axis) {
+  return dir == axis || dir == Vector3D(-axis[0], -axis[1], -axis[2]);
+}
+
+// The first head and table, the last linear axes that point exactly along X, Y and Z, the first two
+// rotary axes by ascending register.
+ProgramSystem MakeDefaultProgramSystem(const std::list<Entity>& entities) {
+  const Vector3D mainAxes[3] = {AxisX, AxisY, AxisZ};
+  Register linear[3];
+  Register rotary[2];
+  for (const Entity& entity : entities) {
+    const EntityLink& link = entity.GetEntityLink();
+    if (link.GetEntityLinkType() == EntityLinkTypeLinear) {
+      for (int i = 0; i < 3; ++i) {
+        if (IsAlong(link.GetDir(), mainAxes[i])) {
+          linear[i] = entity.GetRegister();
+        }
+      }
+    } else if (link.GetEntityLinkType() == EntityLinkTypeRotary) {
+      if (!rotary[0].IsDefined()) {
+        rotary[0] = entity.GetRegister();
+      } else if (!rotary[1].IsDefined()) {
+        rotary[1] = entity.GetRegister();
+      }
+    }
+  }
+  if (rotary[0].IsDefined() && rotary[1].IsDefined() && rotary[0] > rotary[1]) {
+    std::swap(rotary[0], rotary[1]);
+  }
+  ProgramSystem programSystem;
+  programSystem.SetTableIndex(TableIndex(0));
+  programSystem.SetHeadIndex(HeadIndex(0));
+  if (linear[0].IsDefined() && linear[1].IsDefined() && linear[2].IsDefined()) {
+    programSystem.SetMainLinear(linear[0], linear[1], linear[2]);
+  }
+  programSystem.SetMainRotary(rotary[0], rotary[1]);
+  programSystem.SetProgramSystemName(L"Default");
+  return programSystem;
+}
+
+}  // namespace
+
+bool Machine::Finish() {
+  std::list<Entity>& entities = *kinematic_.GetListEntityMod();
+
+  // Everything that may throw comes first; the machine changes only after it.
+  const Extent extent = MeasureExtent(entities);
+  EntityTable byEntityId = MakeTable(entities, extent.entityIdMax + 1, [](const Entity& entity) {
+    return entity.GetEntityId().GetVal();
+  });
+  EntityTable byRegister = MakeTable(entities, extent.registerMax + 1, [](const Entity& entity) {
+    return entity.GetRegister().GetVal();
+  });
+  EntityTable tables = CollectType(entities, EntityTypeTable);
+  EntityTable heads = CollectType(entities, EntityTypeHead);
+  std::list<ProgramSystem> defaultProgramSystem;
+  if (programSystems_->empty() && !tables.empty() && !heads.empty()) {
+    defaultProgramSystem.push_back(MakeDefaultProgramSystem(entities));
+  }
+  std::vector<Entity*> byPlace;
+  byPlace.reserve(entities.size());
+  std::vector<int> parents(entities.size());
+  std::vector<int> levels(entities.size());
+
+  entityNb_ = static_cast<int>(entities.size());
+  entityIdMax_ = EntityId(extent.entityIdMax);
+  registerNb_ = Register(extent.registerMax + 1);
+  tableNb_ = TableIndex(static_cast<int>(tables.size()));
+  headNb_ = HeadIndex(static_cast<int>(heads.size()));
+  kinematic_.GetVectorSortedByEntityIdMod()->swap(byEntityId);
+  kinematic_.GetVectorSortedByRegisterMod()->swap(byRegister);
+  kinematic_.GetVectorTableMod()->swap(tables);
+  kinematic_.GetVectorHeadMod()->swap(heads);
+  programSystems_->splice(programSystems_->end(), defaultProgramSystem);
+
+  // Until the levels are known, each element's level holds its place in the list.
+  for (Entity& entity : entities) {
+    entity.SetLevel(static_cast<int>(byPlace.size()));
+    byPlace.push_back(&entity);
+  }
+  for (std::size_t i = 0; i < byPlace.size(); ++i) {
+    const Entity* const parent = kinematic_.GetEntity(byPlace[i]->GetParentEntityId());
+    parents[i] = parent == nullptr ? NoPlace : parent->GetLevel();
+  }
+  hasParentCycle_ = CutParentCycles(&parents, &levels);
+  CountAncestors(parents, &levels);
+  for (std::size_t i = 0; i < byPlace.size(); ++i) {
+    byPlace[i]->SetParentEntity(
+        parents[i] == NoPlace ? nullptr : byPlace[static_cast<std::size_t>(parents[i])]);
+    byPlace[i]->SetLevel(levels[i]);
+  }
+
+  linearAxesNb_ = CountLinearAxesNb();
+  finished_ = IsValid();
+  return finished_;
+}
+
+bool Machine::IsValid() {
+  if (hasParentCycle_) {
+    lastError_ = MachineErrorParentCycle;
+  } else if (headNb_.GetVal() < 1) {
+    lastError_ = MachineErrorNoHead;
+  } else if (tableNb_.GetVal() < 1) {
+    lastError_ = MachineErrorNoTable;
+  } else if (linearAxesNb_ < SmallestLinearAxesNb) {
+    lastError_ = MachineErrorFewLinearAxes;
+  } else {
+    lastError_ = MachineErrorNone;
+  }
+  return lastError_ == MachineErrorNone;
+}
+
+int Machine::CountLinearAxesNb() const {
+  const std::list<Entity>& entities = kinematic_.GetListEntity();
+  return static_cast<int>(std::count_if(entities.begin(), entities.end(), [](const Entity& entity) {
+    return entity.GetEntityType() == EntityTypeAxis &&
+           entity.GetEntityLink().GetEntityLinkType() == EntityLinkTypeLinear;
+  }));
+}
+
+}  // namespace Orvo::Kin
