@@ -5,10 +5,8 @@ target_compile_features(orvo_flags INTERFACE cxx_std_20)
 
 # Results are the same bits on every compiler: no fused multiply-add, no reordering.
 target_compile_options(
-  orvo_flags
-  INTERFACE $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-ffp-contract=off>
-            $<$<CXX_COMPILER_ID:MSVC>:/fp:precise
-            /utf-8>)
+  orvo_flags INTERFACE $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-ffp-contract=off>
+                       $<$<CXX_COMPILER_ID:MSVC>:/fp:precise /utf-8>)
 
 target_compile_options(
   orvo_flags

@@ -13,8 +13,8 @@ function(orvo_add_subsystem name)
                VISIBILITY_INLINES_HIDDEN ON)
   target_include_directories(orvo_${name} PRIVATE ${PROJECT_SOURCE_DIR}/include
                                                   ${PROJECT_SOURCE_DIR})
-  target_compile_definitions(orvo_${name} PRIVATE ORVO_BUILDING
-                                                  $<$<NOT:$<BOOL:${BUILD_SHARED_LIBS}>>:ORVO_STATIC>)
+  target_compile_definitions(
+    orvo_${name} PRIVATE ORVO_BUILDING $<$<NOT:$<BOOL:${BUILD_SHARED_LIBS}>>:ORVO_STATIC>)
   target_link_libraries(orvo_${name} PRIVATE orvo_flags ${arg_PACKAGES} ${arg_HEADERS})
   target_sources(orvo PRIVATE $<TARGET_OBJECTS:orvo_${name}>)
   target_link_libraries(orvo PRIVATE ${arg_PACKAGES})

@@ -10,9 +10,8 @@ function(orvo_add_test name)
     target_link_libraries(${name} PRIVATE Orvo::Orvo)
   endif()
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
-  target_compile_definitions(
-    ${name} PRIVATE ORVO_EXAMPLES_DIR="${PROJECT_SOURCE_DIR}/examples"
-                    ORVO_TEST_DATA_DIR="${PROJECT_SOURCE_DIR}/tests/data")
+  target_compile_definitions(${name} PRIVATE ORVO_EXAMPLES_DIR="${PROJECT_SOURCE_DIR}/examples"
+                                             ORVO_TEST_DATA_DIR="${PROJECT_SOURCE_DIR}/tests/data")
   target_link_libraries(${name} PRIVATE orvo_flags GTest::gmock GTest::gtest_main ${arg_LIBRARIES})
   gtest_discover_tests(
     ${name}
