@@ -1,0 +1,119 @@
+#include "MachineFile.h"
+
+#include "Failure.h"
+#include "MachineFileFault.h"
+#include "WideText.h"
+
+#include <cerrno>
+#include <fstream>
+#include <new>
+#include <optional>
+#include <stdexcept>
+#include <system_error>
+
+namespace OrvoTool {
+namespace {
+
+/// Throws the Failure for a file that could not be read; `what` is what the reader said, if it did.
+[[noreturn]] void BlameFile(const std::string& name, const std::string& what) {
+  const std::string shown = Printable(name);
+  const std::optional<MachineFileFault> fault = FindMachineFileFault(name);
+  if (fault) {
+    throw Failure(ExitCode::Input, shown + ":" + std::to_string(fault->line) + ":" +
+                                       std::to_string(fault->column) + ": " + fault->what);
+  }
+  throw Failure(ExitCode::Input,
+                shown + ": is no machine file" + (what.empty() ? "" : ": ") + what);
+}
+
+/// Throws the Failure for a file that is not there or may not be read.
+void CheckFile(const std::string& name) {
+  const std::string shown = Printable(name);
+  const std::filesystem::path file = FileFromUtf8(name);
+  std::error_code error;
+  if (std::filesystem::is_directory(file, error)) {
+    throw Failure(ExitCode::Input, shown + ": is a folder, not a file");
+  }
+  errno = 0;
+  std::ifstream stream(file, std::ios::binary);
+  if (!stream) {
+    throw Failure(ExitCode::Input,
+                  shown + ": can't be opened" +
+                      (errno != 0 ? ": " + std::generic_category().message(errno) : ""));
+  }
+}
+
+}  // namespace
+
+void ReadMachine(const std::string& name, Orvo::Kin::Machine* machine) {
+  CheckFile(name);
+  const std::optional<std::wstring> wide = WideFromUtf8(name);
+  if (!wide) {
+    throw Failure(ExitCode::Input, Printable(name) + ": the name of a machine file must be UTF-8");
+  }
+  try {
+    if (machine->ReadXML(*wide)) {
+      return;
+    }
+  } catch (const std::logic_error& error) {
+    // A text that is no number, or an id or register that is too large.
+    BlameFile(name, error.what());
+  }
+  BlameFile(name, "");
+}
+
+const char* DescribeVerdict(Orvo::Kin::MachineErrorType error) {
+  switch (error) {
+    case Orvo::Kin::MachineErrorNone:
+      return "valid, ready to compute";
+    case Orvo::Kin::MachineErrorNoHead:
+      return "not valid: no element is a HEAD, so nothing carries the tool";
+    case Orvo::Kin::MachineErrorNoTable:
+      return "not valid: no element is a TABLE, so nothing carries the workpiece";
+    case Orvo::Kin::MachineErrorFewLinearAxes:
+      return "not valid: fewer than three axes are linear";
+    case Orvo::Kin::MachineErrorParentCycle:
+      return "not valid: the parents of some elements form a cycle";
+  }
+  return "not valid";
+}
+
+const char* DescribeComputeError(Orvo::Kin::MachineComputeErrorType error) {
+  switch (error) {
+    case Orvo::Kin::ComputeErrorNone:
+      return "no error";
+    case Orvo::Kin::ComputeErrorNotFinished:
+      return "the machine is not valid";
+    case Orvo::Kin::ComputeErrorNullOutput:
+      return "no place for the result";
+    case Orvo::Kin::ComputeErrorEmptyPosition:
+      return "the machine has no registers";
+    case Orvo::Kin::ComputeErrorNoHeadOrTable:
+      return "its head or its table does not exist, or no chain joins them";
+    case Orvo::Kin::ComputeErrorRegister:
+      return "its registers are not those of axes of the right kind between the table and the head";
+    case Orvo::Kin::ComputeErrorLinkType:
+      return "an element on the way has a link of a kind that can't be placed";
+    case Orvo::Kin::ComputeErrorNotAxis:
+      return "one of its registers belongs to a head or a table";
+    case Orvo::Kin::ComputeErrorAxisLinkType:
+      return "one of its axes is neither linear nor rotary";
+    case Orvo::Kin::ComputeErrorNoSolution:
+      return "the rotary axes have no solution";
+  }
+  return "the computation failed";
+}
+
+const char* GetPolicyName(Orvo::Kin::RotariesCompute policy) {
+  switch (policy) {
+    case Orvo::Kin::RotariesComputeDefault:
+      return "Default";
+    case Orvo::Kin::RotariesComputeShortestWay:
+      return "ShortestWay";
+    case Orvo::Kin::RotariesComputeAlphaPositive:
+      return "AlphaPositive";
+  }
+  return "unknown";
+}
+
+}  // namespace OrvoTool

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <Orvo/Kin/Enumerations.h>
+#include <Orvo/Kin/Machine.h>
+
+#include <string>
+
+namespace OrvoTool {
+
+/// Reads a machine file, without its meshes. The machine may turn out not to be valid.
+///
+/// @param name  the file's name in UTF-8
+/// @throws Failure naming the file and, where the fault can be found, its line and column
+void ReadMachine(const std::string& name, Orvo::Kin::Machine* machine);
+
+/// Returns in words why a machine can't be computed with, or that it can.
+const char* DescribeVerdict(Orvo::Kin::MachineErrorType error);
+
+/// Returns in words why a computation failed.
+const char* DescribeComputeError(Orvo::Kin::MachineComputeErrorType error);
+
+/// Returns the word of a policy.
+const char* GetPolicyName(Orvo::Kin::RotariesCompute policy);
+
+}  // namespace OrvoTool

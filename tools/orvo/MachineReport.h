@@ -1,0 +1,22 @@
+#pragma once
+
+#include <Orvo/Kin/Machine.h>
+
+#include <string>
+
+namespace OrvoTool {
+
+/// Returns the tree of a machine's elements: a line for each one, with its kind, its register, its
+/// range and its link.
+std::string DescribeElements(const Orvo::Kin::Machine& machine);
+
+/// Returns the heads and the tables by their numbers.
+std::string DescribeHeadsAndTables(const Orvo::Kin::Machine& machine);
+
+/// Returns the program systems: head, table, main axes and policy of each.
+std::string DescribeProgramSystems(const Orvo::Kin::Machine& machine);
+
+/// Returns how much the lists of the collision check hold.
+std::string DescribeCollisionCheck(const Orvo::Kin::Machine& machine);
+
+}  // namespace OrvoTool

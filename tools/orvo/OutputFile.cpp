@@ -1,0 +1,109 @@
+#include "OutputFile.h"
+
+#include "Failure.h"
+#include "Interruption.h"
+#include "WideText.h"
+
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <random>
+#include <system_error>
+
+namespace OrvoTool {
+namespace {
+
+constexpr std::size_t PendingBytes = 65536;
+
+/// Returns a part of a file name that no other run has.
+std::string RandomPart() {
+  std::random_device random;
+  std::array<char, 8> text = {};
+  const auto result = std::to_chars(text.data(), text.data() + text.size(), random(), 16);
+  return std::string(text.data(), result.ptr);
+}
+
+}  // namespace
+
+OutputFile::OutputFile(const std::string& name)
+    : shownName_(Printable(name)), target_(FileFromUtf8(name)) {
+  std::error_code error;
+  const std::filesystem::file_status status = std::filesystem::status(target_, error);
+  if (std::filesystem::is_directory(status)) {
+    throw Failure(ExitCode::Output, shownName_ + ": is a folder");
+  }
+  if (std::filesystem::exists(status)) {
+    // The file that a link leads to is replaced, not the link.
+    const std::filesystem::path resolved = std::filesystem::canonical(target_, error);
+    target_ = error ? target_ : resolved;
+  }
+  isTemporary_ = !std::filesystem::exists(status) || std::filesystem::is_regular_file(status);
+  written_ = target_;
+  if (isTemporary_) {
+    written_ += "." + RandomPart() + ".part";
+  }
+  ReportFileSizeLimit();
+  if (isTemporary_) {
+    RemoveWhenInterrupted(written_);
+  }
+  errno = 0;
+  stream_.rdbuf()->pubsetbuf(nullptr, 0);
+  stream_.open(written_, std::ios::binary | std::ios::trunc);
+  if (!stream_) {
+    KeepWhenInterrupted();
+    isTemporary_ = false;
+    Blame("can't be made");
+  }
+  pending_.reserve(2 * PendingBytes);
+}
+
+OutputFile::~OutputFile() {
+  if (isTemporary_) {
+    stream_.close();
+    std::error_code ignored;
+    std::filesystem::remove(written_, ignored);
+    KeepWhenInterrupted();
+  }
+}
+
+void OutputFile::Blame(const std::string& what) {
+  const std::string reason = errno != 0 ? ": " + std::generic_category().message(errno) : "";
+  throw Failure(ExitCode::Output, shownName_ + ": " + what + reason);
+}
+
+void OutputFile::Flush() {
+  errno = 0;
+  stream_.write(pending_.data(), static_cast<std::streamsize>(pending_.size()));
+  if (!stream_) {
+    Blame("can't be written");
+  }
+  pending_.clear();
+}
+
+void OutputFile::Write(std::string_view bytes) {
+  pending_.append(bytes);
+  if (pending_.size() >= PendingBytes) {
+    Flush();
+  }
+}
+
+void OutputFile::Finish() {
+  Flush();
+  errno = 0;
+  stream_.close();
+  if (!stream_) {
+    Blame("can't be written");
+  }
+  if (isTemporary_) {
+    std::error_code error;
+    std::filesystem::rename(written_, target_, error);
+    if (error) {
+      errno = error.value();
+      Blame("can't be replaced");
+    }
+    KeepWhenInterrupted();
+    isTemporary_ = false;
+  }
+}
+
+}  // namespace OrvoTool
