@@ -1,3 +1,4 @@
+#include "model/LinkDirection.h"
 #include "model/Words.h"
 
 #include <Orvo/Kin/EntityLink.h>
@@ -7,9 +8,6 @@
 namespace Orvo::Kin {
 
 namespace {
-
-// A direction shorter than this, in the caller's unit, becomes the X axis.
-constexpr double SmallestDirection = 0.001;
 
 double ReadSlot(const double* slots, unsigned int slot) {
   return slot < LinkSlotCount ? slots[slot] : 0.0;
@@ -45,7 +43,7 @@ EntityLink::~EntityLink() = default;
 void EntityLink::SetEntityLinkLinear(const Vector3D& dir) {
   type_ = EntityLinkTypeLinear;
   dir_ = dir;
-  dir_.MakeUnit(SmallestDirection);
+  dir_.MakeUnit(SmallestLinkDirection);
 }
 
 void EntityLink::SetEntityLinkRotary(const Vector3D& center, const Vector3D& dir) {
@@ -54,7 +52,7 @@ void EntityLink::SetEntityLinkRotary(const Vector3D& center, const Vector3D& dir
   type_ = EntityLinkTypeRotary;
   center_ = center;
   dir_ = givenDir;
-  dir_.MakeUnit(SmallestDirection);
+  dir_.MakeUnit(SmallestLinkDirection);
 }
 
 void EntityLink::SetEntityLinkPosition(const Matrix43& position) {

@@ -21,6 +21,7 @@
 
 namespace Orvo::Kin {
 
+class MachineCompute;
 class MachinePosition;
 
 /// The model of a machine tool: its elements, its program systems and its collision lists.
@@ -167,6 +168,8 @@ class ORVO_API Machine : public ISerializableXML {
   bool DeserializeXML(XMLReader& reader, XMLElement* parent) override;
 
  private:
+  friend class MachineCompute;
+
   bool IsValid();
   int CountLinearAxesNb() const;
   Entity* AppendEntity(std::list<Entity>* added);

@@ -1,0 +1,21 @@
+#pragma once
+
+namespace Orvo::Kin {
+
+// Equivalent angles, by whole turns. Everything is in radians; nearness is compared in degrees, so
+// that an angle half a turn away, as degrees have it, stays where it is.
+//
+// Turns are added one by one, as many as it takes up to 10,000. Farther away most of them are taken
+// in one step. Where a turn no longer changes the angle, and where the angle or what it is compared
+// with is infinite or NaN, it stays.
+
+/// Returns the equivalent of an angle that is nearest to a reference.
+double ClosestAngle(double radians, double reference);
+
+/// Returns the equivalent of an angle that is nearest to a reference, moved into [min, max].
+///
+/// An angle within 0.0001 outside a limit stays there; one within 0.01 of a limit is set to it. In
+/// a range narrower than a turn the result may lie outside.
+double ClosestAngle(double radians, double reference, double min, double max);
+
+}  // namespace Orvo::Kin

@@ -1,0 +1,159 @@
+#include "compute/EntityOrder.h"
+#include "compute/MachineComputeImplementation.h"
+#include "compute/RegisterBounds.h"
+#include "compute/ToolOffset.h"
+#include "geometry/VectorKernel.h"
+
+#include <Orvo/Angle.h>
+#include <Orvo/Kin/MachineCompute.h>
+
+namespace Orvo::Kin {
+
+namespace {
+
+// The place of an id among the frames, or none.
+Matrix43* Slot(std::vector<Matrix43>* frames, const EntityId& id) {
+  return id.IsDefined() && static_cast<std::size_t>(id.GetVal()) < frames->size()
+             ? &(*frames)[static_cast<std::size_t>(id.GetVal())]
+             : nullptr;
+}
+
+}  // namespace
+
+bool MachineCompute::ComputeRelativePosition(const EntityLink& link, const Register& reg,
+                                             const MachinePosition& pos, Matrix43* frame) {
+  if (frame == nullptr) {
+    return Fail(ComputeErrorNullOutput);
+  }
+  frame->SetIdentity();
+  switch (link.GetEntityLinkType()) {
+    case EntityLinkTypeLinear: {
+      if (!HasRegister(pos, reg)) {
+        return Fail(ComputeErrorRegister);
+      }
+      Vector3D dir = link.GetDir();
+      frame->SetTrans(dir * (link.GetZeroRef(0) + pos[reg]));
+      return true;
+    }
+    case EntityLinkTypeRotary: {
+      if (!HasRegister(pos, reg)) {
+        return Fail(ComputeErrorRegister);
+      }
+      Angle angle;
+      angle.SetDegre(pos[reg]);
+      frame->SetRotation(link.GetDir(), angle);
+      frame->SetTrans(Minus(link.GetCenter(), frame->ApplyToVector3D(link.GetCenter())));
+      return true;
+    }
+    case EntityLinkTypePosition:
+      *frame = link.GetPosition();
+      return true;
+    case EntityLinkTypeIdentity:
+      return true;
+    default:
+      return Fail(ComputeErrorLinkType);
+  }
+}
+
+bool MachineCompute::ComputePositionEntity(const Entity& entity, const MachinePosition& pos,
+                                           Matrix43* frame) {
+  if (frame == nullptr) {
+    return Fail(ComputeErrorNullOutput);
+  }
+  if (pos.Size() == 0) {
+    return Fail(ComputeErrorEmptyPosition);
+  }
+  frame->SetIdentity();
+  for (const Entity* current = &entity; current != nullptr; current = current->GetParentEntity()) {
+    Matrix43 parentFromCurrent;
+    if (!ComputeRelativePosition(current->GetEntityLink(), current->GetRegister(), pos,
+                                 &parentFromCurrent)) {
+      return false;
+    }
+    *frame = parentFromCurrent * *frame;
+  }
+  return true;
+}
+
+bool MachineCompute::ComputePositionMachine(const MachinePosition& pos,
+                                            std::vector<Matrix43>* frames) {
+  const Machine& machine = *implementation_->machine;
+  if (!machine.IsFinished()) {
+    return Fail(ComputeErrorNotFinished);
+  }
+  if (frames == nullptr) {
+    return Fail(ComputeErrorNullOutput);
+  }
+  if (pos.Size() == 0) {
+    return Fail(ComputeErrorEmptyPosition);
+  }
+  if (implementation_->entityOrder.empty()) {
+    implementation_->entityOrder = OrderParentsFirst(machine.GetKinematic().GetListEntity());
+  }
+  frames->resize(static_cast<std::size_t>(machine.entityIdMax_.GetVal() + 1));
+  for (const Entity* entity : implementation_->entityOrder) {
+    // Deliberate: a link that fails counts as the identity.
+    Matrix43 parentFromEntity;
+    ComputeRelativePosition(entity->GetEntityLink(), entity->GetRegister(), pos, &parentFromEntity);
+    Matrix43* const worldFromEntity = Slot(frames, entity->GetEntityId());
+    if (worldFromEntity == nullptr) {
+      continue;
+    }
+    const Entity* const parent = entity->GetParentEntity();
+    Matrix43* const worldFromParent =
+        parent == nullptr ? nullptr : Slot(frames, parent->GetEntityId());
+    *worldFromEntity =
+        worldFromParent == nullptr ? parentFromEntity : *worldFromParent * parentFromEntity;
+  }
+  return true;
+}
+
+bool MachineCompute::ComputeMcsToToolTcs(const MachinePosition& pos, const HeadIndex& head,
+                                         const TableIndex& table, const Vector3D& offset,
+                                         Matrix43* frame) {
+  const Machine& machine = *implementation_->machine;
+  if (!machine.IsFinished()) {
+    return Fail(ComputeErrorNotFinished);
+  }
+  if (frame == nullptr) {
+    return Fail(ComputeErrorNullOutput);
+  }
+  const Entity* const headEntity = machine.GetKinematic().GetEntityHead(head);
+  const Entity* const tableEntity = machine.GetKinematic().GetEntityTable(table);
+  if (headEntity == nullptr || tableEntity == nullptr) {
+    return Fail(ComputeErrorNoHeadOrTable);
+  }
+  Matrix43 worldFromHead;
+  Matrix43 worldFromTable;
+  if (!ComputePositionEntity(*headEntity, pos, &worldFromHead) ||
+      !ComputePositionEntity(*tableEntity, pos, &worldFromTable)) {
+    return false;
+  }
+  *frame = worldFromTable.HInverse() * worldFromHead * HeadFromToolPoint(offset);
+  return true;
+}
+
+bool MachineCompute::ComputeWorldEntityDir(const MachinePosition& pos, const Entity& entity,
+                                           Vector3D* dir) {
+  if (dir == nullptr) {
+    return Fail(ComputeErrorNullOutput);
+  }
+  if (entity.GetEntityType() != EntityTypeAxis) {
+    return Fail(ComputeErrorNotAxis);
+  }
+  const EntityLink& link = entity.GetEntityLink();
+  if (link.GetEntityLinkType() != EntityLinkTypeLinear &&
+      link.GetEntityLinkType() != EntityLinkTypeRotary) {
+    return Fail(ComputeErrorAxisLinkType);
+  }
+  *dir = link.GetDir();
+  // Deliberate: where a link above fails, the product of those below it is applied.
+  Matrix43 worldFromParent;
+  if (entity.GetParentEntity() != nullptr) {
+    ComputePositionEntity(*entity.GetParentEntity(), pos, &worldFromParent);
+  }
+  *dir = worldFromParent.ApplyToVector3D(*dir);
+  return true;
+}
+
+}  // namespace Orvo::Kin

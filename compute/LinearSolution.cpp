@@ -1,0 +1,110 @@
+#include "compute/MachineComputeImplementation.h"
+#include "compute/RegisterBounds.h"
+#include "compute/ToolOffset.h"
+#include "geometry/VectorKernel.h"
+
+#include <Orvo/Kin/MachineCompute.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace Orvo::Kin {
+
+namespace {
+
+// An axis that is not on the chain may be asked for a value up to this size.
+constexpr double LargestMissingValue = 0.001;
+
+}  // namespace
+
+bool MachineCompute::ComputeToolTcsToMcsXyz(const MachinePosition& pos, const HeadIndex& head,
+                                            const TableIndex& table, const Vector3D& offset,
+                                            const Register& x, const Register& y, const Register& z,
+                                            const Vector3D& point, Vector3D* xyz) {
+  const Machine& machine = *implementation_->machine;
+  if (!machine.IsFinished()) {
+    return Fail(ComputeErrorNotFinished);
+  }
+  if (xyz == nullptr) {
+    return Fail(ComputeErrorNullOutput);
+  }
+  const Register registers[3] = {x, y, z};
+  if (!std::all_of(registers, registers + 3, [](const Register& reg) { return reg.IsDefined(); })) {
+    return Fail(ComputeErrorRegister);
+  }
+  if (pos.Size() == 0) {
+    return Fail(ComputeErrorEmptyPosition);
+  }
+  if (!std::all_of(registers, registers + 3,
+                   [&pos](const Register& reg) { return HasRegister(pos, reg); })) {
+    return Fail(ComputeErrorRegister);
+  }
+  BuildAxisChain(head, table);
+  const AxisChain& chain = implementation_->chain;
+  if (chain.IsEmpty()) {
+    return Fail(ComputeErrorNoHeadOrTable);
+  }
+  MachinePosition& scratch = implementation_->scratch;
+  scratch = pos;
+  for (const Register& reg : registers) {
+    scratch[reg] = 0.0;
+  }
+
+  double sideSigns[3] = {0.0, 0.0, 0.0};
+  int foundNb = 0;
+  chain.Walk([&registers, &sideSigns, &foundNb](const Entity& entity, double sideSign, int) {
+    if (entity.GetEntityType() == EntityTypeAxis &&
+        entity.GetEntityLink().GetEntityLinkType() == EntityLinkTypeLinear) {
+      for (int i = 0; i < 3; ++i) {
+        if (entity.GetRegister().GetVal() == registers[i].GetVal()) {
+          sideSigns[i] = sideSign;
+          ++foundNb;
+          break;
+        }
+      }
+    }
+    return true;
+  });
+  if (foundNb != 3) {
+    return Fail(ComputeErrorRegister);
+  }
+
+  // Deliberate: where a link fails, the product of those below it is used.
+  Matrix43 worldFromTable;
+  ComputePositionEntity(*chain.Table(), scratch, &worldFromTable);
+  Matrix43 worldFromHead;
+  ComputePositionEntity(*chain.Head(), scratch, &worldFromHead);
+  Matrix43 tableFromWorld = worldFromTable.HInverse();
+  Matrix43 tableFromToolPoint = tableFromWorld * (worldFromHead * HeadFromToolPoint(offset));
+
+  Vector3D dirInTable[3];
+  for (int i = 0; i < 3; ++i) {
+    const Entity* const axis = machine.GetKinematic().GetEntity(registers[i]);
+    if (axis == nullptr || !ComputeWorldEntityDir(scratch, *axis, &dirInTable[i])) {
+      return Fail(ComputeErrorRegister);
+    }
+  }
+  for (int i = 0; i < 3; ++i) {
+    dirInTable[i] = tableFromWorld.ApplyToVector3D(Times(dirInTable[i], sideSigns[i]));
+  }
+
+  // Deliberate: the directions count as orthonormal, whatever they are.
+  Matrix43 tableFromAxisValues;
+  tableFromAxisValues.SetUVWT(dirInTable[0], dirInTable[1], dirInTable[2],
+                              tableFromToolPoint.GetTrans());
+  Matrix43 axisValuesFromTable;
+  try {
+    axisValuesFromTable = tableFromAxisValues.HInverse();
+  } catch (...) {
+    return Fail(ComputeErrorRegister);
+  }
+  *xyz = axisValuesFromTable.ApplyToPoint(point);
+  for (int i = 0; i < 3; ++i) {
+    if (sideSigns[i] == 0.0 && std::fabs((*xyz)[i]) > LargestMissingValue) {
+      return Fail(ComputeErrorRegister);
+    }
+  }
+  return true;
+}
+
+}  // namespace Orvo::Kin

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "compute/AxisChain.h"
+#include "geometry/IntersectionCompute.h"
+
+#include <Orvo/Kin/Enumerations.h>
+#include <Orvo/Kin/Machine.h>
+#include <Orvo/Kin/MachinePosition.h>
+
+#include <vector>
+
+namespace Orvo::Kin {
+
+/// The record that the handles of a MachineCompute share.
+struct MachineComputeImplementation {
+  explicit MachineComputeImplementation(const Machine& givenMachine)
+      : machine(&givenMachine),
+        intersection(Tolerance, Tolerance, Tolerance, Tolerance, Tolerance, Tolerance, Tolerance) {}
+
+  static constexpr double Tolerance = 0.0001;
+
+  const Machine* machine;
+
+  // The given position with the solved axes at 0. Filled by assignment, so it never shrinks.
+  MachinePosition scratch;
+
+  AxisChain chain;
+
+  // Every element, parents first; made once.
+  std::vector<const Entity*> entityOrder;
+
+  IntersectionCompute intersection;
+  MachineComputeErrorType lastError = ComputeErrorNone;
+};
+
+}  // namespace Orvo::Kin

@@ -1,0 +1,135 @@
+#include "compute/MachineComputeImplementation.h"
+#include "compute/RegisterBounds.h"
+#include "compute/RotaryCore.h"
+#include "geometry/VectorKernel.h"
+
+#include <Orvo/Kin/MachineCompute.h>
+
+namespace Orvo::Kin {
+
+namespace {
+
+// Without rotary axes, the tool points along a direction where their dot product exceeds this.
+constexpr double AlignedCosine = 0.99;
+
+/// A requested rotary axis as the chain from table to head holds it.
+struct ChainAxis {
+  const Entity* entity = nullptr;
+  double sideSign = 0.0;
+  int place = 0;
+};
+
+}  // namespace
+
+bool MachineCompute::ComputeToolIjkTcsToMcsAbc(const MachinePosition& pos, const HeadIndex& head,
+                                               const TableIndex& table, const Vector3D& ijk,
+                                               const Register& r0, const Register& r1,
+                                               RotariesSolution* sol) {
+  if (sol == nullptr) {
+    return Fail(ComputeErrorNullOutput);
+  }
+  *sol = RotariesSolution();
+  if (pos.Size() == 0) {
+    return Fail(ComputeErrorEmptyPosition);
+  }
+  MachinePosition& scratch = implementation_->scratch;
+  scratch = pos;
+  const Register registers[2] = {r0, r1};
+  for (const Register& reg : registers) {
+    if (reg.IsDefined()) {
+      if (!HasRegister(pos, reg)) {
+        return Fail(ComputeErrorRegister);
+      }
+      scratch[reg] = 0.0;
+    }
+  }
+  if (r0.IsDefined() && r0.GetVal() == r1.GetVal()) {
+    return Fail(ComputeErrorRegister);
+  }
+  BuildAxisChain(head, table);
+  const AxisChain& chain = implementation_->chain;
+  if (chain.IsEmpty()) {
+    return Fail(ComputeErrorNoHeadOrTable);
+  }
+
+  ChainAxis axes[2];
+  const bool areRotary =
+      chain.Walk([&registers, &axes](const Entity& entity, double sideSign, int place) {
+        for (int i = 0; i < 2; ++i) {
+          if (registers[i].IsDefined() && entity.GetRegister().GetVal() == registers[i].GetVal()) {
+            if (entity.GetEntityType() == EntityTypeAxis &&
+                entity.GetEntityLink().GetEntityLinkType() != EntityLinkTypeRotary) {
+              return false;
+            }
+            axes[i] = {&entity, sideSign, place};
+            break;
+          }
+        }
+        return true;
+      });
+  if (!areRotary) {
+    return Fail(ComputeErrorRegister);
+  }
+
+  // Deliberate: where a link fails, the product of those below it is used.
+  Matrix43 worldFromTable;
+  ComputePositionEntity(*chain.Table(), scratch, &worldFromTable);
+  Matrix43 worldFromHead;
+  ComputePositionEntity(*chain.Head(), scratch, &worldFromHead);
+  Matrix43 tableFromWorld = worldFromTable.HInverse();
+  const Vector3D toolInTable = (tableFromWorld * worldFromHead).GetW();
+
+  Vector3D axisInTable[2];
+  for (int i = 0; i < 2; ++i) {
+    if (registers[i].IsDefined()) {
+      if (axes[i].entity == nullptr) {
+        return Fail(ComputeErrorRegister);
+      }
+      Vector3D axisInWorld;
+      if (!ComputeWorldEntityDir(scratch, *axes[i].entity, &axisInWorld)) {
+        return false;
+      }
+      axisInTable[i] = tableFromWorld.ApplyToVector3D(axisInWorld);
+      axisInTable[i] *= axes[i].sideSign;
+    }
+  }
+
+  if (!r0.IsDefined() && !r1.IsDefined()) {
+    sol->Count = Dot(ijk, toolInTable) > AlignedCosine ? 1 : 0;
+    return true;
+  }
+  if (!r0.IsDefined()) {
+    sol->Count = SolveOneRotary(axisInTable[1], toolInTable, ijk, &sol->Beta1);
+    return true;
+  }
+  if (!r1.IsDefined()) {
+    sol->Count = SolveOneRotary(axisInTable[0], toolInTable, ijk, &sol->Alpha1);
+    return true;
+  }
+  // The axis nearer the head turns the tool first.
+  const bool isAlphaNearerHead = axes[0].place > axes[1].place;
+  const bool isSolved =
+      isAlphaNearerHead
+          ? ComputeAngles(axisInTable[0], axisInTable[1], toolInTable, ijk, r0, r1, sol)
+          : ComputeAngles(axisInTable[1], axisInTable[0], toolInTable, ijk, r1, r0, sol);
+  if (!isSolved) {
+    return Fail(ComputeErrorNoSolution);
+  }
+  if (!isAlphaNearerHead) {
+    SwapSolAlphaBeta(sol);
+  }
+  return true;
+}
+
+// Deliberate: always true; the count tells whether there is a solution.
+bool MachineCompute::ComputeAngles(const Vector3D& axis1, const Vector3D& axis2,
+                                   const Vector3D& tool, const Vector3D& target,
+                                   const Register& /*reg1*/, const Register& reg2,
+                                   RotariesSolution* sol) {
+  SolveTwoRotaries(axis1, axis2, tool, target, reg2, &implementation_->intersection, sol);
+  return true;
+}
+
+void MachineCompute::SwapSolAlphaBeta(RotariesSolution* sol) { SwapAlphaBeta(sol); }
+
+}  // namespace Orvo::Kin

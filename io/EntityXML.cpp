@@ -1,0 +1,108 @@
+#include "io/XMLReader.h"
+#include "io/XMLWriter.h"
+#include "model/EntityImplementation.h"
+#include "model/Words.h"
+
+#include <Orvo/Kin/Entity.h>
+
+#include <memory>
+
+namespace Orvo::Kin {
+
+namespace {
+
+/// An index type as a number that the reader fills.
+template <typename Index>
+bool ReadIndex(XMLReader& reader, const std::wstring& name, XMLElement* parent, Index* index) {
+  int value = 0;
+  if (!reader.ReadInt(name, value, parent)) {
+    return false;
+  }
+  *index = Index(value);
+  return true;
+}
+
+}  // namespace
+
+bool Entity::SerializeXML(XMLWriter& writer, XMLElement* parent) {
+  const EntityImplementation& entity = *implementation_;
+  std::wstring typeWord;
+  std::wstring parallelTypeWord;
+  if (!EntityTypeWords.Name(entity.entityType, &typeWord) ||
+      !EntityParallelTypeWords.Name(entity.parallelType, &parallelTypeWord)) {
+    return false;
+  }
+  writer.WriteString(L"Name", entity.name, parent);
+  writer.WriteString(L"Type", typeWord, parent);
+  writer.WriteString(L"ParallelType", parallelTypeWord, parent);
+  writer.WriteInt(L"Id", entity.entityId.GetVal(), parent);
+  writer.WriteInt(L"ParentId", entity.parentEntityId.GetVal(), parent);
+  writer.WriteInt(L"Register", entity.reg.GetVal(), parent);
+  writer.WriteBool(L"Motor", entity.isMotor, parent);
+  writer.WriteBool(L"RangeAxis", entity.checkRangeAxis, parent);
+  writer.WriteBool(L"Mounting", entity.isMounting, parent);
+  if (!writer.WriteObject(implementation_->link, writer.NewChildElement(L"EntityLink", parent))) {
+    return false;
+  }
+  SerializeXML_Meshes(writer, parent);
+  return true;
+}
+
+bool Entity::DeserializeXML(XMLReader& reader, XMLElement* parent) {
+  EntityImplementation& entity = *implementation_;
+  std::wstring word;
+  if (!reader.ReadString(L"Name", entity.name, parent) ||
+      !reader.ReadString(L"Type", word, parent) ||
+      !GetEntityTypeFromDict(word, entity.entityType) ||
+      !reader.ReadString(L"ParallelType", word, parent) ||
+      !GetEntityParallelTypeFromDict(word, entity.parallelType) ||
+      !ReadIndex(reader, L"Id", parent, &entity.entityId) ||
+      !ReadIndex(reader, L"ParentId", parent, &entity.parentEntityId) ||
+      !ReadIndex(reader, L"Register", parent, &entity.reg) ||
+      !reader.ReadBool(L"Motor", entity.isMotor, parent) ||
+      !reader.ReadBool(L"RangeAxis", entity.checkRangeAxis, parent) ||
+      !reader.ReadBool(L"Mounting", entity.isMounting, parent)) {
+    return false;
+  }
+  XMLElement* const link = reader.FirstChildElement(L"EntityLink", parent);
+  if (link == nullptr) {
+    return false;
+  }
+  // Deliberate: a link that is not whole keeps what was read of it, and the element counts.
+  reader.ReadObject(entity.link, link);
+  DeserializeXML_Meshes(reader, parent);
+  return true;
+}
+
+void Entity::SerializeXML_Meshes(XMLWriter& writer, XMLElement* parent) {
+  const EntityMesh* const mesh = GetEntityMesh();
+  if (mesh == nullptr) {
+    return;
+  }
+  XMLElement* const meshes = writer.NewChildElement(L"Meshes", parent);
+  const int meshNb = static_cast<int>(mesh->GetMeshNb());
+  for (int i = 0; i < meshNb; ++i) {
+    writer.WriteInt(L"RGB", static_cast<int>(mesh->GetMeshColor(i)),
+                    writer.NewChildElement(L"Mesh", meshes));
+  }
+}
+
+// The file holds a color for each mesh; the geometry stands in files of its own.
+void Entity::DeserializeXML_Meshes(XMLReader& reader, XMLElement* parent) {
+  XMLElement* const meshes = reader.FirstChildElement(L"Meshes", parent);
+  if (meshes == nullptr) {
+    return;
+  }
+  for (XMLElement* mesh = reader.FirstChildElement(L"Mesh", meshes); mesh != nullptr;
+       mesh = reader.NextSiblingElement(L"Mesh", mesh, meshes)) {
+    int color = 0;
+    if (!reader.ReadInt(L"RGB", color, mesh)) {
+      return;
+    }
+    auto emptyMesh = std::make_unique<Mesh>();
+    AllocEntityMesh()->AddMesh(emptyMesh.get(), static_cast<unsigned int>(color));
+    emptyMesh.release();
+  }
+}
+
+}  // namespace Orvo::Kin

@@ -1,0 +1,7 @@
+#include <Orvo/ISerializableXML.h>
+
+namespace Orvo {
+
+ISerializableXML::~ISerializableXML() = default;
+
+}  // namespace Orvo

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tinyxml2 {
+class XMLElement;
+}
+
+namespace Orvo {
+
+/// An element of an XML document, as the document hands it out. It lives as long as the document.
+class XMLElement {
+ public:
+  XMLElement(tinyxml2::XMLElement* element, XMLElement* parent, std::wstring name);
+  XMLElement(const XMLElement&) = delete;
+  XMLElement& operator=(const XMLElement&) = delete;
+  virtual ~XMLElement();
+
+  /// Reads an attribute; false, and the value untouched, where it is absent.
+  bool GetAttribute(const std::wstring& name, std::wstring& value) const;
+
+  /// Sets attributes in the order of the list.
+  void SetAttributes(const std::vector<std::pair<std::wstring, std::wstring>>& attributes);
+
+  /// Returns the text, empty where there is none.
+  std::wstring GetText() const;
+
+  /// Appends a text.
+  void SetText(const std::wstring& text);
+
+  /// Sets the attribute "Version".
+  void SetVersion(int version);
+
+  tinyxml2::XMLElement* GetElement() const { return element_; }
+  XMLElement* GetParent() const { return parent_; }
+  const std::wstring& GetName() const { return name_; }
+
+ private:
+  tinyxml2::XMLElement* element_;
+  XMLElement* parent_;
+  std::wstring name_;
+};
+
+}  // namespace Orvo
