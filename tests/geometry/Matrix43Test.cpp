@@ -807,7 +807,6 @@ TEST(Matrix43HInverse, IsTheScalarFormulaForAllKindsBitForBit) {
     for (int i = 0; i < 1000; ++i) {
       const Twin twin = DrawTwin(random, type);
       Matrix43 frame = FrameOf(twin);
-      // The twin's sums of more than three terms need the origin without the loaded images' NaN.
       ASSERT_TRUE(IsTwin(frame.HInverse(), HInverseTwin(twin))) << "draw " << i;
       ASSERT_TRUE(IsTwin(frame, twin));
     }
