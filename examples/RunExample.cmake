@@ -1,0 +1,13 @@
+# Runs PROGRAM and compares what it prints with the file EXPECTED.
+execute_process(
+  COMMAND ${PROGRAM}
+  OUTPUT_VARIABLE output
+  RESULT_VARIABLE result)
+if(NOT result EQUAL 0)
+  message(FATAL_ERROR "${PROGRAM} ends with ${result}")
+endif()
+file(READ ${EXPECTED} expected)
+string(REPLACE "\r\n" "\n" output "${output}")
+if(NOT output STREQUAL expected)
+  message(FATAL_ERROR "The output is\n${output}\nand should be\n${expected}")
+endif()
