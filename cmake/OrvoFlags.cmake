@@ -20,6 +20,11 @@ target_compile_options(
             -Wold-style-cast
             -Wcast-align>
             $<$<CXX_COMPILER_ID:MSVC>:/W4>)
+# g++ 12 warns without reason of overlapping copies where std::string is optimized.
+target_compile_options(
+  orvo_flags
+  INTERFACE
+    $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict>)
 if(ORVO_WARNINGS_AS_ERRORS)
   target_compile_options(orvo_flags INTERFACE $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-Werror>
                                               $<$<CXX_COMPILER_ID:MSVC>:/WX>)
