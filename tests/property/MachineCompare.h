@@ -1,8 +1,8 @@
 #pragma once
 
-#include <Orvo/Kin/Machine.h>
-
 #include "property/reference/Model.h"
+
+#include <Orvo/Kin/Machine.h>
 
 namespace Orvo::Property {
 

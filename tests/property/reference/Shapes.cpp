@@ -105,11 +105,11 @@ int Intersections::CirclePlane(const Plane& plane, const Circle& circle, Vector*
   if (!LineCircle2D(p, d, Vector(), circle.radius, solution, tolTangentInner, tolTangentOuter)) {
     return 0;
   }
-  *out1 = Sum(Sum(circle.center, Scaled(u, solution[0].x)), Scaled(v, solution[0].y));
+  *out1 = Sum(circle.center, Sum(Scaled(u, solution[0].x), Scaled(v, solution[0].y)));
   if (IsSame(solution[0], solution[1], 0.00001)) {
     *out2 = *out1;
   } else {
-    *out2 = Sum(Sum(circle.center, Scaled(u, solution[1].x)), Scaled(v, solution[1].y));
+    *out2 = Sum(circle.center, Sum(Scaled(u, solution[1].x), Scaled(v, solution[1].y)));
   }
   return 1;
 }
