@@ -1,0 +1,10 @@
+# The README quotes the first example and its output to the letter.
+file(READ ${PROJECT}/README.md readme)
+foreach(quoted first_solve.cpp first_solve.expected.txt)
+  file(READ ${PROJECT}/examples/readme/${quoted} text)
+  string(STRIP "${text}" text)
+  string(FIND "${readme}" "\n${text}\n" place)
+  if(place EQUAL -1)
+    message(FATAL_ERROR "README.md does not quote examples/readme/${quoted}")
+  endif()
+endforeach()
