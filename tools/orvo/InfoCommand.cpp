@@ -11,24 +11,39 @@
 
 namespace OrvoTool {
 
+namespace {
+
+const std::string HelpText = R"(Usage: orvo info MACHINE.xml
+
+Shows what a machine file holds: the tree of its elements with their kinds,
+registers, ranges and links, its heads, tables and program systems, and whether
+the machine can be computed with.
+
+  MACHINE.xml   the machine file; meshes are not read
+
+Options:
+  -h, --help    print this help
+
+Lengths are in the machine's unit, angles in degrees. Where an element stands,
+and the direction of its axis, are given in the frame of its parent.
+
+Exit status:
+  0  the machine is valid
+  1  the command line is wrong
+  2  the file can't be read, or the machine is not valid
+  3  the result can't be written
+
+Example:
+  orvo info trunnion_ac.xml
+)";
+
+}  // namespace
+
 CLI::App* AddInfoCommand(CLI::App* app, InfoOptions* options) {
-  CLI::App* info = app->add_subcommand("info", "Show what a machine file holds");
-  info->description(
-      "Shows what a machine file holds: the tree of its elements with their kinds, registers, "
-      "ranges\n"
-      "and links, its heads, tables and program systems, and whether it can be computed with.");
-  info->add_option("MACHINE", options->machine, "Machine file (XML)")->required();
-  info->footer(
-      "Lengths are in the machine's unit, angles in degrees. Links stand in the parent's frame.\n"
-      "\n"
-      "Exit status:\n"
-      "  0  the machine is valid\n"
-      "  1  the command line is wrong\n"
-      "  2  the file can't be read, or the machine is not valid\n"
-      "  3  the result can't be written\n"
-      "\n"
-      "Example:\n"
-      "  orvo info trunnion_ac.xml");
+  CLI::App* info = app->add_subcommand("info");
+  info->add_option("MACHINE.xml", options->machine)->required();
+  info->formatter_fn(
+      [](const CLI::App*, const std::string&, CLI::AppFormatMode) { return HelpText; });
   return info;
 }
 

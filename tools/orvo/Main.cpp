@@ -11,6 +11,7 @@
 #include <new>
 #include <sstream>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -22,6 +23,19 @@ void Complain(const std::string& message) {
   std::fflush(stderr);
 }
 
+const std::string HelpText = R"(Usage: orvo COMMAND ...
+
+Computes with the kinematics of multi-axis machine tools.
+
+Commands:
+  info    show what a machine file holds
+  solve   turn a tool path into axis values
+
+Options:
+  -h, --help   print this help; 'orvo COMMAND --help' tells more about a command
+  --version    print the version
+)";
+
 /// Answers what is not to be run: help and version to the standard output, a wrong command line to
 /// the error stream.
 ExitCode Answer(const CLI::App& app, const CLI::ParseError& error) {
@@ -31,23 +45,27 @@ ExitCode Answer(const CLI::App& app, const CLI::ParseError& error) {
     OrvoTool::WriteStandardOutput(out.str());
     return ExitCode::Success;
   }
-  std::string text = OrvoTool::Printable(error.what());
-  const char* command = app.get_subcommands().empty() ? "" : " ";
-  const std::string name =
-      app.get_subcommands().empty() ? "" : app.get_subcommands()[0]->get_name();
-  Complain("orvo" + (command + name) + ": " + text + "\nTry: orvo" + (command + name) + " --help");
+  std::string command = "orvo";
+  std::string what = OrvoTool::Printable(error.what());
+  if (!app.get_subcommands().empty()) {
+    command += " " + app.get_subcommands()[0]->get_name();
+  } else if (const std::vector<std::string> unknown = app.remaining();
+             !unknown.empty() && !unknown[0].empty()) {
+    what = std::string(unknown[0][0] == '-' ? "there is no option '" : "there is no command '") +
+           OrvoTool::Printable(unknown[0]) + "'";
+  } else {
+    what = "a command is needed";
+  }
+  Complain(command + ": " + what + "\nTry: " + command + " --help");
   return ExitCode::Usage;
 }
 
 ExitCode Run(int argc, char** argv) {
-  CLI::App app("Computes with the kinematics of multi-axis machine tools.", "orvo");
-  app.set_version_flag("--version", std::string("orvo ") + ORVO_TOOL_VERSION,
-                       "Print the version and exit");
-  app.set_help_flag("-h,--help", "Print this help and exit");
-  app.get_formatter()->column_width(34);
+  CLI::App app;
+  app.set_version_flag("--version", std::string("orvo ") + ORVO_TOOL_VERSION);
   app.require_subcommand(1);
-  app.failure_message(CLI::FailureMessage::simple);
-  app.footer("'orvo COMMAND --help' tells more about a command.");
+  app.formatter_fn(
+      [](const CLI::App*, const std::string&, CLI::AppFormatMode) { return HelpText; });
   OrvoTool::InfoOptions infoOptions;
   OrvoTool::SolveOptions solveOptions;
   const CLI::App* info = OrvoTool::AddInfoCommand(&app, &infoOptions);

@@ -37,6 +37,64 @@ constexpr int MaxRegisters = 4096;
 const std::string SolutionsColumn = "solutions";
 const std::string FlagsColumn = "flags";
 
+const std::string HelpText = R"(Usage: orvo solve MACHINE.xml PATH.csv [OPTIONS] -o AXES.csv
+
+Turns a tool path into axis values. For each point: the rotary solution nearest
+to the position before it, then the linear axes, then the check of all ranges,
+then a check of the result by forward kinematics.
+
+  MACHINE.xml   the machine file
+  PATH.csv      the tool path: x,y,z is the tool tip, i,j,k the direction from
+                the tip towards the spindle, both in the frame of the table
+
+Options:
+  -o, --output AXES.csv         where the axis values go; always needed
+  -p, --program-system N|NAME   which program system of the machine, by number or
+                                by name; 0 if not given
+      --offset X,Y,Z            the tool: 0,0,L for a length of L; 0,0,0 if not
+                                given
+      --shift X,Y,Z             where the origin of the path lies in the frame of
+                                the table; 0,0,0 if not given
+      --start VALUES            axis values before the first point: some by name,
+                                such as C=90,A=-10, or one for each register;
+                                0 if not given
+  -h, --help                    print this help
+
+Lengths are in the machine's unit, angles in degrees.
+
+The path: the first line names the columns, in any order and in upper or lower
+case; columns other than x,y,z,i,j,k are ignored. Commas separate them, '#'
+starts a comment. Directions of any length are taken.
+
+The result: a row for each point, with the value of every register, named after
+its axis, to six decimals; with the number of rotary solutions; and with flags:
+  ok              reached, every axis in its range
+  out:X;Z         reached, but these axes are outside of their range
+  unreachable     not reached; the row repeats the position before
+  unreachable:A   the same, because A would have to leave its range
+  free:C          any value of C would do, so it kept the one it had
+  snapped:B       B stands at its limit, up to 0.01 radian short of what the
+                  direction asks for
+A summary of all points goes to the standard output. Its path lengths start at
+the first point that is reached.
+
+Which rotary solution is taken depends on the policy of the program system.
+ShortestWay: the one nearest to the position before, by whole turns, within the
+ranges. Default and AlphaPositive: the nearer one of those between -180 and 180
+degrees.
+
+Exit status:
+  0  every point is solved
+  1  the command line is wrong
+  2  a file can't be read; the message names its line and column
+  3  the result can't be written; nothing is left of it
+  4  some points are unreachable, whether or not others are out of range
+  5  some points are out of range
+
+Example:
+  orvo solve trunnion_ac.xml curved_layers_model_1.csv --offset 0,0,30 -o axes.csv
+)";
+
 [[noreturn]] void BlameUsage(const std::string& what) {
   throw Failure(ExitCode::Usage, "orvo solve: " + what);
 }
@@ -186,68 +244,16 @@ void SolvePath(PathReader* reader, const AxisNames& names, PathSolver* solver, O
 }  // namespace
 
 CLI::App* AddSolveCommand(CLI::App* app, SolveOptions* options) {
-  CLI::App* solve = app->add_subcommand("solve", "Turn a tool path into axis values");
-  solve->description(
-      "Turns a tool path into axis values.\n\n"
-      "For each point: the rotary solution nearest to the position before it, then the linear\n"
-      "axes, then the check of all ranges, then the check by forward kinematics.");
-  solve->add_option("MACHINE", options->machine, "Machine file (XML)")->required();
-  solve
-      ->add_option("PATH", options->path,
-                   "Tool path (CSV): x,y,z is the tool tip, i,j,k points from the tip towards the "
-                   "spindle, in the table's frame")
-      ->required();
-  solve->add_option("-o,--output", options->output, "File for the axis values (CSV)")
-      ->type_name("AXES.csv")
-      ->required();
-  solve
-      ->add_option("-p,--program-system", options->programSystem,
-                   "Program system: its number or its name; 0 if not given")
-      ->type_name("N|NAME");
-  solve
-      ->add_option("--offset", options->offset,
-                   "Tool offset; 0,0,L for a tool of length L; 0,0,0 if not given")
-      ->type_name("X,Y,Z");
-  solve
-      ->add_option("--shift", options->shift,
-                   "Where the path's origin lies in the table's frame; 0,0,0 if not given")
-      ->type_name("X,Y,Z");
-  solve
-      ->add_option("--start", options->start,
-                   "Axis values before the first point: some by name (C=90,A=-10), or one for each "
-                   "register; 0 if not given")
-      ->type_name("VALUES");
-  solve->footer(
-      "The path file: the first line names the columns, in any order; others than x,y,z,i,j,k are\n"
-      "ignored; '#' starts a comment. Lengths are in the machine's unit, angles in degrees.\n"
-      "\n"
-      "The result: a row for each point with the value of every register, named after its axis, "
-      "with\n"
-      "six decimals; then 'solutions', the number of rotary solutions; then 'flags':\n"
-      "  ok               reached, every axis in its range\n"
-      "  out:X;Z          reached, but these axes are outside their range\n"
-      "  unreachable      not reached; the row repeats the position before\n"
-      "  unreachable:A    the same, because A would have to leave its range\n"
-      "  free:C           any value of C would do; it kept the one it had\n"
-      "  snapped:B        B stands at its limit, up to 0.01 radian short of the direction\n"
-      "\n"
-      "The program system's policy chooses among the rotary solutions. ShortestWay takes the one\n"
-      "nearest to the position before, by whole turns, within the ranges. Default and "
-      "AlphaPositive\n"
-      "take the nearer of the solutions as they are computed, between -180 and 180 degrees.\n"
-      "\n"
-      "Path lengths in the summary start at the first point that is reached.\n"
-      "\n"
-      "Exit status:\n"
-      "  0  every point is solved\n"
-      "  1  the command line is wrong\n"
-      "  2  a file can't be read; the message names file, line and column\n"
-      "  3  the result can't be written; nothing is left of it\n"
-      "  4  some points are unreachable, whether or not others are out of range\n"
-      "  5  some points are out of range\n"
-      "\n"
-      "Example:\n"
-      "  orvo solve trunnion_ac.xml curved_layers_model_1.csv --offset 0,0,30 -o axes.csv");
+  CLI::App* solve = app->add_subcommand("solve");
+  solve->add_option("MACHINE.xml", options->machine)->required();
+  solve->add_option("PATH.csv", options->path)->required();
+  solve->add_option("-o,--output", options->output)->required();
+  solve->add_option("-p,--program-system", options->programSystem);
+  solve->add_option("--offset", options->offset);
+  solve->add_option("--shift", options->shift);
+  solve->add_option("--start", options->start);
+  solve->formatter_fn(
+      [](const CLI::App*, const std::string&, CLI::AppFormatMode) { return HelpText; });
   return solve;
 }
 
