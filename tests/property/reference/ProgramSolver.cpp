@@ -12,7 +12,7 @@ const int NearTurns = 10000;
 // Adds one step while a condition holds. Ends where the step is lost in the value; takes the bulk
 // at once after many steps.
 template <typename Condition>
-double Step(double r, double step, double bulkTarget, bool* far, Condition&& holds) {
+double Step(double r, double step, double bulkTarget, double* farthest, Condition&& holds) {
   int steps = 0;
   while (holds(r)) {
     const double next = step > 0.0 ? step + r : r - (-step);
@@ -21,7 +21,7 @@ double Step(double r, double step, double bulkTarget, bool* far, Condition&& hol
     }
     r = next;
     if (++steps == NearTurns) {
-      *far = true;
+      *farthest = std::fmax(*farthest, std::fabs(bulkTarget) + std::fabs(r));
       if (std::isfinite(bulkTarget)) {
         const double turns = std::floor(std::fabs(bulkTarget - r) / FullTurn);
         r += step * turns;
@@ -38,26 +38,26 @@ double Step(double r, double step, double bulkTarget, bool* far, Condition&& hol
 
 }  // namespace
 
-double ClosestAngle(double angle, double reference, bool* far) {
+double ClosestAngle(double angle, double reference, double* farthest) {
   const double referenceDeg = RadiansToDegrees(reference);
-  double r = Step(angle, FullTurn, reference, far, [referenceDeg](double value) {
+  double r = Step(angle, FullTurn, reference, farthest, [referenceDeg](double value) {
     const double a = RadiansToDegrees(value);
     return std::fabs(a - referenceDeg) > std::fabs(a + 360.0 - referenceDeg);
   });
-  r = Step(r, -FullTurn, reference, far, [referenceDeg](double value) {
+  r = Step(r, -FullTurn, reference, farthest, [referenceDeg](double value) {
     const double a = RadiansToDegrees(value);
     return std::fabs(a - referenceDeg) > std::fabs(a - 360.0 - referenceDeg);
   });
   return r;
 }
 
-double ClosestAngle(double angle, double reference, double min, double max, bool* far) {
-  double r = ClosestAngle(angle, reference, far);
+double ClosestAngle(double angle, double reference, double min, double max, double* farthest) {
+  double r = ClosestAngle(angle, reference, farthest);
   if (std::isfinite(min)) {
-    r = Step(r, FullTurn, min, far, [min](double value) { return value < min - 0.0001; });
+    r = Step(r, FullTurn, min, farthest, [min](double value) { return value < min - 0.0001; });
   }
   if (std::isfinite(max)) {
-    r = Step(r, -FullTurn, max, far, [max](double value) { return value > max + 0.0001; });
+    r = Step(r, -FullTurn, max, farthest, [max](double value) { return value > max + 0.0001; });
   }
   if (r > max && r < max + 0.01) {
     r = max;
@@ -72,12 +72,12 @@ bool ProgramSolver::Unwrap(int reg, double current, double* angle) {
   const Element* e = machine_.ByRegister(reg);
   const double reference = DegreesToRadians(current);
   if (e == nullptr || !e->checkRange) {
-    *angle = ClosestAngle(*angle, reference, &far_);
+    *angle = ClosestAngle(*angle, reference, &farthest_);
     return true;
   }
   const double min = DegreesToRadians(e->link.rangeMin[0]);
   const double max = DegreesToRadians(e->link.rangeMax[0]);
-  *angle = ClosestAngle(*angle, reference, min, max, &far_);
+  *angle = ClosestAngle(*angle, reference, min, max, &farthest_);
   return !(*angle < min || *angle > max);
 }
 
@@ -93,7 +93,7 @@ double ProgramSolver::Cost(const Position& pos, double alpha, double beta) const
 }
 
 bool ProgramSolver::SolveRotaries(const Position& pos, const Vector& ijk, Rotaries* solution) {
-  far_ = false;
+  farthest_ = 0.0;
   const int r0 = program_.rotary[0];
   const int r1 = program_.rotary[1];
   if (!calculator_.SolveRotaries(pos, program_.head, program_.table, ijk, r0, r1, solution)) {

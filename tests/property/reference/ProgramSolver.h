@@ -6,10 +6,10 @@
 namespace Reference {
 
 /// Moves an angle to the equivalent nearest a reference, and into a range where there is one. All
-/// in radians. @p far tells that an angle was more than 10,000 turns away; its last bits are then
-/// not settled.
-double ClosestAngle(double angle, double reference, bool* far);
-double ClosestAngle(double angle, double reference, double min, double max, bool* far);
+/// in radians. Where a value is more than 10,000 turns away, the last bits of the result are not
+/// settled; @p farthest grows to the size of the farthest such value.
+double ClosestAngle(double angle, double reference, double* farthest);
+double ClosestAngle(double angle, double reference, double min, double max, double* farthest);
 
 /// Solves for one program system of a machine.
 class ProgramSolver {
@@ -24,8 +24,9 @@ class ProgramSolver {
   bool CheckRange(const Position& pos, bool* inRange, bool* threw);
   bool CheckRange(const Vector& xyz, bool* inRange);
 
-  /// Tells whether the last rotary solution unwrapped over more than 10,000 turns.
-  bool WasFar() const { return far_; }
+  /// The farthest value, in radians, over more than 10,000 turns to which the last rotary solution
+  /// unwrapped; 0 where there was none.
+  double Farthest() const { return farthest_; }
 
  private:
   bool Unwrap(int reg, double current, double* angle);
@@ -34,7 +35,7 @@ class ProgramSolver {
   const Machine& machine_;
   Program program_;
   Calculator calculator_;
-  bool far_ = false;
+  double farthest_ = 0.0;
 };
 
 }  // namespace Reference
