@@ -6,8 +6,8 @@ namespace Orvo::Kin {
 // that an angle half a turn away, as degrees have it, stays where it is.
 //
 // Turns are added one by one, as many as it takes up to 10,000. Farther away most of them are taken
-// in one step. Where a turn no longer changes the angle, and where the angle or what it is compared
-// with is infinite or NaN, it stays.
+// in one step. Where a turn no longer changes the angle, or its distance from the reference in
+// degrees, and where the angle or what it is compared with is infinite or NaN, it stays.
 
 /// Returns the equivalent of an angle that is nearest to a reference.
 double ClosestAngle(double radians, double reference);
