@@ -3,6 +3,7 @@
 namespace Orvo::Testing {
 
 /// Hands tests a pointer to a private member: access is not checked in an explicit instantiation.
+/// Instantiate and use it in the same source.
 ///
 /// @code
 /// struct UpdateTypeOf {
