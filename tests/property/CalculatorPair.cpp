@@ -16,7 +16,7 @@ using Reference::Machine;
 using Reference::Position;
 using Reference::Vector;
 
-int AnyIndex(Draw& draw) { return draw.Chance(0.93) ? 0 : draw.Int(-2, 2); }
+int AnyIndex(Draw& draw) { return draw.Chance(0.95) ? 0 : draw.Int(-2, 2); }
 
 // The registers of the axes of one kind, in the order of the list.
 std::vector<int> RegistersOf(const Machine& machine, int linkType) {

@@ -134,7 +134,7 @@ class TreeBuilder {
     }
     std::vector<int> registers;
     for (std::size_t i = 0; i < axes_.size(); ++i) {
-      registers.push_back(static_cast<int>(i) + (draw.Chance(0.05) ? 5 : 0));
+      registers.push_back(static_cast<int>(i) + (draw.Chance(0.05) ? 6 : 0));
     }
     if (draw.Chance(0.4)) {
       draw.Shuffle(&registers);
@@ -147,7 +147,7 @@ class TreeBuilder {
   MachinePlan Build() {
     int headEnd = -1;
     int tableEnd = -1;
-    if (draw_.Chance(0.85)) {
+    if (draw_.Chance(0.93)) {
       headEnd = tableEnd = Add(Fixture(-1));
     }
     std::vector<ElementPlan> tableSide;
@@ -478,8 +478,8 @@ void Spoil(Draw& draw, MachinePlan* plan) {
 }
 
 MachinePlan AnyPlan(Draw& draw) {
-  MachinePlan plan = draw.Chance(0.75) ? SoundPlan(draw) : WildPlan(draw);
-  if (draw.Chance(0.35)) {
+  MachinePlan plan = draw.Chance(0.85) ? SoundPlan(draw) : WildPlan(draw);
+  if (draw.Chance(0.3)) {
     Spoil(draw, &plan);
   }
   plan.finish = draw.Chance(0.97);
