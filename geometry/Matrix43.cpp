@@ -244,17 +244,16 @@ Vector3D Matrix43::ApplyToPoint(const Vector3D& p) {
       return FromLanes(CombineColumns(elements_, p[0], p[1], p[2]));
     case Translation:
       return FromLanes(Add(LoadLanes(p), LoadLanes(elements_ + 12)));
-    case Projective:
-      break;
+    case Projective: {
+      Vector3D image;
+      StoreLanes(image, ImageOfPoint(elements_, p[0], p[1], p[2]));
+      const double scale = image[3];
+      return scale != 0.0 && scale != 1.0
+                 ? Vector3D(image[0] / scale, image[1] / scale, image[2] / scale)
+                 : Vector3D(image[0], image[1], image[2]);
+    }
   }
-  Vector3D image;
-  StoreLanes(image, ImageOfPoint(elements_, p[0], p[1], p[2]));
-  const double scale = image[3];
-  if (scale != 0.0 && scale != 1.0) {
-    image.Set(image[0] / scale, image[1] / scale, image[2] / scale);
-  }
-  image[3] = 0.0;
-  return image;
+  return NullVector;
 }
 
 Vector3D Matrix43::operator*(const Vector3D& p) { return ApplyToPoint(p); }
