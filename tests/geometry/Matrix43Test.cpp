@@ -35,6 +35,12 @@ struct IdentifyTypeOf {
 };
 template struct PrivateMember<IdentifyTypeOf, &Matrix43::IdentifyType>;
 
+struct FrameTypeOf {
+  using Type = Matrix43::Type Matrix43::*;
+  friend Type MemberOf(FrameTypeOf);
+};
+template struct PrivateMember<FrameTypeOf, &Matrix43::type_>;
+
 }  // namespace Testing
 
 namespace {
@@ -772,6 +778,18 @@ TEST(Matrix43Image, AProjectivePointIsDividedUnlessTheFourthCoordinateIsZeroOrOn
   }
 }
 
+// No operation sets such a kind; it must not lead anywhere.
+TEST(Matrix43Image, AKindOutsideTheEnumerationGivesTheNullVector) {
+  for (const int kind : {6, 7, -1}) {
+    SCOPED_TRACE(kind);
+    Matrix43 frame;
+    frame.SetTrans(Vector3D(1, 2, 3));
+    frame.*MemberOf(Testing::FrameTypeOf()) = static_cast<Type>(kind);
+    EXPECT_TRUE(SameBits(frame.ApplyToPoint(Vector3D(4, 5, 6)), NullVector));
+    EXPECT_TRUE(SameBits(frame.ApplyToVector3D(Vector3D(4, 5, 6)), NullVector));
+  }
+}
+
 // --- inverses ------------------------------------------------------------------------------------
 
 Twin HInverseTwin(const Twin& f) {
@@ -1385,6 +1403,9 @@ TEST(Matrix43Question, IsRotaryRefusesWhatIsNoRightHandedBasis) {
       {"a mirror", {1, 0, 0}, {0, 1, 0}, {0, 0, -1}, false},
       {"a point", {0, 0, 0}, {0, 0, 0}, {0, 0, 0}, false},
       {"nearly a point", {1e-5, 0, 0}, {0, 1e-5, 0}, {0, 0, 1e-5}, false},
+      {"scaled in U", {2, 0, 0}, {0, 1, 0}, {0, 0, 1}, false},
+      {"scaled in V", {1, 0, 0}, {0, 2, 0}, {0, 0, 1}, false},
+      {"scaled in W", {1, 0, 0}, {0, 1, 0}, {0, 0, 2}, false},
       {"scaled as a whole", {2, 0, 0}, {0, 2, 0}, {0, 0, 2}, false},
       {"not a number in U", {NotANumber, 0, 0}, {0, 1, 0}, {0, 0, 1}, false},
       {"not a number in V", {1, 0, 0}, {0, NotANumber, 0}, {0, 0, 1}, false},
