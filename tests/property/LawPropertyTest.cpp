@@ -141,9 +141,13 @@ bool StandsOn(const Reference::Element* e, const Reference::Element* ancestor) {
 // Tells whether an axis, where there is one, turns the head against the table. The last common
 // ancestor belongs to the chain too, but carries both.
 bool TurnsOneSide(const MachinePair& pair, const RotaryRequest& request, int reg) {
+  const Reference::Element* head = pair.twin.HeadAt(request.head);
+  const Reference::Element* table = pair.twin.TableAt(request.table);
+  if (head == nullptr || table == nullptr) {
+    return false;
+  }
   const Reference::Element* axis = pair.twin.ByRegister(reg);
-  return reg < 0 || StandsOn(pair.twin.HeadAt(request.head), axis) !=
-                        StandsOn(pair.twin.TableAt(request.table), axis);
+  return reg < 0 || StandsOn(head, axis) != StandsOn(table, axis);
 }
 
 // The direction of an axis in the table's frame, null where there is none.
