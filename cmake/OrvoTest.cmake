@@ -16,5 +16,6 @@ function(orvo_add_test name)
   gtest_discover_tests(
     ${name}
     DISCOVERY_MODE PRE_TEST
+    DISCOVERY_TIMEOUT 120
     PROPERTIES TIMEOUT 900)
 endfunction()
