@@ -1,0 +1,269 @@
+#include "CommaLocale.h"
+#include "io/NumberParse.h"
+#include "support/SameBits.h"
+#include "support/TestRandom.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <clocale>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <cwchar>
+#include <limits>
+#include <stdexcept>
+#include <string>
+
+namespace Orvo::Testing {
+namespace {
+
+// What a conversion gives: a value, or one of two failures.
+struct Parsed {
+  enum Kind { Value, NoNumber, OutOfRange } kind = Value;
+  double value = 0.0;
+};
+
+template <typename Parse>
+Parsed Outcome(Parse parse) {
+  try {
+    return {Parsed::Value, static_cast<double>(parse())};
+  } catch (const std::invalid_argument&) {
+    return {Parsed::NoNumber, 0.0};
+  } catch (const std::out_of_range&) {
+    return {Parsed::OutOfRange, 0.0};
+  }
+}
+
+Parsed ByWcstod(const std::wstring& text) {
+  errno = 0;
+  wchar_t* end = nullptr;
+  const double value = std::wcstod(text.c_str(), &end);
+  if (end == text.c_str()) {
+    return {Parsed::NoNumber, 0.0};
+  }
+  if (errno == ERANGE) {
+    return {Parsed::OutOfRange, 0.0};
+  }
+  return {Parsed::Value, value};
+}
+
+Parsed ByWcstoll(const std::wstring& text) {
+  errno = 0;
+  wchar_t* end = nullptr;
+  const long long value = std::wcstoll(text.c_str(), &end, 10);
+  if (end == text.c_str()) {
+    return {Parsed::NoNumber, 0.0};
+  }
+  if (errno == ERANGE || value > std::numeric_limits<int>::max() ||
+      value < std::numeric_limits<int>::min()) {
+    return {Parsed::OutOfRange, 0.0};
+  }
+  return {Parsed::Value, static_cast<double>(value)};
+}
+
+testing::AssertionResult SameOutcome(const Parsed& a, const Parsed& b, const std::wstring& text) {
+  if (a.kind == b.kind && AreSameBits(a.value, b.value)) {
+    return testing::AssertionSuccess();
+  }
+  std::string narrow;
+  for (const wchar_t c : text) {
+    narrow += c > 31 && c < 127 ? std::string(1, static_cast<char>(c))
+                                : "<" + std::to_string(static_cast<long>(c)) + ">";
+  }
+  return testing::AssertionFailure()
+         << "[" << narrow << "] gives kind " << a.kind << " " << HexText(a.value) << " and not "
+         << b.kind << " " << HexText(b.value);
+}
+
+testing::AssertionResult DoubleAgrees(const std::wstring& text) {
+  return SameOutcome(Outcome([&] { return ParseDouble(text); }), ByWcstod(text), text);
+}
+
+testing::AssertionResult IntAgrees(const std::wstring& text) {
+  return SameOutcome(Outcome([&] { return ParseInt(text); }), ByWcstoll(text), text);
+}
+
+TEST(ParseDouble, ReadsTheNumberThatStartsTheText) {
+  struct Case {
+    const wchar_t* text;
+    double value;
+  };
+  const Case cases[] = {
+      {L"1.5", 1.5},       {L"1.5mm", 1.5},  {L" \t\n\v\f\r1.5", 1.5},
+      {L"-1.5e2", -150.0}, {L"+.5", 0.5},    {L"5.", 5.0},
+      {L"1e", 1.0},        {L"1e+", 1.0},    {L"0x1.8p1", 3.0},
+      {L"0x", 0.0},        {L"1,5", 1.0},    {L"1 2", 1.0},
+      {L"-0", -0.0},       {L"1_000", 1.0},  {L"1.2.3", 1.2},
+      {L"00012", 12.0},    {L"1E3", 1000.0}, {L"0x10", 16.0},
+  };
+  for (const Case& c : cases) {
+    EXPECT_TRUE(SameBits(ParseDouble(c.text), c.value)) << c.text;
+  }
+}
+
+TEST(ParseDouble, ReadsInfiniteAndUndefinedNumbers) {
+  for (const wchar_t* const text : {L"inf", L"INF", L"Infinity", L"+inf", L"infinite"}) {
+    EXPECT_EQ(ParseDouble(text), std::numeric_limits<double>::infinity()) << text;
+  }
+  EXPECT_EQ(ParseDouble(L"-inf"), -std::numeric_limits<double>::infinity());
+  for (const wchar_t* const text : {L"nan", L"NaN", L"-nan", L"nan(123)"}) {
+    EXPECT_TRUE(std::isnan(ParseDouble(text))) << text;
+  }
+}
+
+TEST(ParseDouble, TextWithoutNumberThrows) {
+  for (const wchar_t* const text : {L"", L" ", L"abc", L"-", L"+", L".", L"e5", L"--1", L"- 1",
+                                    L",5", L"in", L"na", L"\u0661", L"\u00a01", L"\u20031"}) {
+    try {
+      ParseDouble(text);
+      ADD_FAILURE() << text;
+    } catch (const std::invalid_argument& e) {
+      EXPECT_STREQ(e.what(), "invalid stod argument");
+    }
+  }
+}
+
+TEST(ParseDouble, OverflowAndUnderflowThrow) {
+  for (const wchar_t* const text :
+       {L"1e309", L"-1e309", L"1e-400", L"-1e-400", L"1e999999999999", L"1e-310", L"0x1p1024"}) {
+    try {
+      ParseDouble(text);
+      ADD_FAILURE() << text;
+    } catch (const std::out_of_range& e) {
+      EXPECT_STREQ(e.what(), "stod argument out of range");
+    }
+  }
+  EXPECT_EQ(ParseDouble(L"1.7976931348623157e308"), std::numeric_limits<double>::max());
+  EXPECT_EQ(ParseDouble(L"2.2250738585072014e-308"), std::numeric_limits<double>::min());
+  EXPECT_EQ(ParseDouble(L"0e-99999"), 0.0);
+}
+
+TEST(ParseInt, ReadsTheIntegerThatStartsTheText) {
+  struct Case {
+    const wchar_t* text;
+    int value;
+  };
+  const Case cases[] = {
+      {L"12", 12},
+      {L"+12", 12},
+      {L"-12", -12},
+      {L" \t\n\v\f\r12", 12},
+      {L"12abc", 12},
+      {L"012", 12},
+      {L"0x1F", 0},
+      {L"12.9", 12},
+      {L"-0", 0},
+      {L"12 13", 12},
+      {L"1'000", 1},
+      {L"2147483647", 2147483647},
+      {L"-2147483648", -2147483647 - 1},
+      {L"0000000000000000000012", 12},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(ParseInt(c.text), c.value) << c.text;
+  }
+}
+
+TEST(ParseInt, TextWithoutIntegerThrows) {
+  for (const wchar_t* const text : {L"", L" ", L"abc", L"-", L"+", L"--1", L"+-1", L"-+1", L"- 1",
+                                    L"+ 1", L".5", L"\u0661", L"\u00a01", L"inf"}) {
+    try {
+      ParseInt(text);
+      ADD_FAILURE() << text;
+    } catch (const std::invalid_argument& e) {
+      EXPECT_STREQ(e.what(), "invalid stoi argument");
+    }
+  }
+}
+
+TEST(ParseInt, NumbersOutsideIntThrow) {
+  for (const wchar_t* const text :
+       {L"2147483648", L"-2147483649", L"9223372036854775807", L"9223372036854775808",
+        L"-9223372036854775809", L"4294967296", L"99999999999999999999999x"}) {
+    try {
+      ParseInt(text);
+      ADD_FAILURE() << text;
+    } catch (const std::out_of_range& e) {
+      EXPECT_STREQ(e.what(), "stoi argument out of range");
+    }
+  }
+}
+
+// Random texts of the characters that numbers are made of, against the C library.
+TEST(NumberParse, AgreesWithTheCLibraryOnRandomTexts) {
+  ASSERT_STREQ(std::setlocale(LC_NUMERIC, nullptr), "C");
+  TestRandom random;
+  SCOPED_TRACE(random.Trace());
+  const std::wstring characters = L"0123456789012345678901234+-..eExXpPaAfFiInN ()\t,_\u0663\u00a0";
+  for (int i = 0; i < 200000; ++i) {
+    std::wstring text;
+    const int length = random.Integer(0, 12);
+    for (int k = 0; k < length; ++k) {
+      text += characters[static_cast<std::size_t>(
+          random.Integer(0, static_cast<int>(characters.size()) - 1))];
+    }
+    ASSERT_TRUE(DoubleAgrees(text));
+    ASSERT_TRUE(IntAgrees(text));
+  }
+}
+
+TEST(NumberParse, AgreesWithTheCLibraryOnNumbersOfAllSizes) {
+  TestRandom random;
+  SCOPED_TRACE(random.Trace());
+  for (int i = 0; i < 50000; ++i) {
+    double value = 0;
+    const std::uint64_t bits = random.Bits();
+    std::memcpy(&value, &bits, sizeof value);
+    wchar_t text[512];
+    const wchar_t* const formats[] = {L"%.17g", L"%.3g", L"%a", L"%f", L"  %.25e tail"};
+    std::swprintf(text, 512, formats[random.Integer(0, 4)], value);
+    ASSERT_TRUE(DoubleAgrees(text));
+    std::swprintf(text, 512, L"%lld", static_cast<long long>(bits) >> random.Integer(0, 60));
+    ASSERT_TRUE(IntAgrees(text));
+  }
+}
+
+TEST(NumberParse, LongTextsAreRead) {
+  const std::wstring digits(100000, L'0');
+  EXPECT_EQ(ParseDouble(L"1." + digits + L"1"), 1.0);
+  EXPECT_EQ(ParseInt(digits + L"7"), 7);
+  EXPECT_THROW(ParseDouble(L"1" + digits), std::out_of_range);
+  EXPECT_THROW(ParseInt(L"1" + digits), std::out_of_range);
+}
+
+TEST(NumberParse, NulEndsTheNumber) {
+  EXPECT_EQ(ParseDouble(std::wstring(L"1.5\0"
+                                     L"7",
+                                     5)),
+            1.5);
+  EXPECT_EQ(ParseInt(std::wstring(L"15\0"
+                                  L"7",
+                                  4)),
+            15);
+}
+
+TEST(NumberParse, ErrnoStaysAsItWas) {
+  errno = EDOM;
+  EXPECT_EQ(ParseDouble(L"1.5"), 1.5);
+  EXPECT_EQ(errno, EDOM);
+  EXPECT_THROW(ParseDouble(L"1e999"), std::out_of_range);
+  EXPECT_EQ(errno, EDOM);
+  EXPECT_THROW(ParseInt(L"99999999999"), std::out_of_range);
+  EXPECT_EQ(errno, EDOM);
+  errno = ERANGE;
+  EXPECT_EQ(ParseDouble(L"1.5"), 1.5) << "an old error doesn't count";
+  EXPECT_EQ(ParseInt(L"15"), 15);
+  errno = 0;
+}
+
+TEST(NumberParse, PointIsThePointInEveryLocale) {
+  const CommaLocale locale;
+  EXPECT_EQ(ParseDouble(L"1.5"), 1.5);
+  EXPECT_EQ(ParseDouble(L"1,5"), 1.0);
+  EXPECT_EQ(ParseInt(L"1.500"), 1);
+  EXPECT_THROW(ParseDouble(L",5"), std::invalid_argument);
+}
+
+}  // namespace
+}  // namespace Orvo::Testing
