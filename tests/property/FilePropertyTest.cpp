@@ -24,7 +24,7 @@ std::string Written(Kin::Machine& machine) {
 }
 
 TEST(FileProperty, WritesTheBytesThatTheTwinWrites) {
-  ForCases(8000, [](Draw& draw) {
+  ForCases(5000, [](Draw& draw) {
     MachinePair pair(AnyPlan(draw));
     std::string expected;
     ASSERT_TRUE(Reference::WriteText(pair.twin, &expected));
@@ -33,7 +33,7 @@ TEST(FileProperty, WritesTheBytesThatTheTwinWrites) {
 }
 
 TEST(FileProperty, ReadsWhatItWroteAsTheTwinDoes) {
-  ForCases(5000, [](Draw& draw) {
+  ForCases(3000, [](Draw& draw) {
     MachinePair pair(AnyPlan(draw));
     const TemporaryFile file;
     ASSERT_TRUE(pair.machine.WriteXML(file.Path()));
@@ -59,7 +59,7 @@ TEST(FileProperty, ReadsWhatItWroteAsTheTwinDoes) {
 // makes directions unit. After that nothing changes any more, but for a direction whose rounded
 // components need some rounds until making it unit leaves them alone.
 TEST(FileProperty, SettlesAfterTheSecondWriting) {
-  ForCases(5000, [](Draw& draw) {
+  ForCases(2000, [](Draw& draw) {
     MachinePair pair(AnyPlan(draw));
     std::string before = Written(pair.machine);
     bool settled = false;

@@ -6,6 +6,7 @@
 #include "property/Draw.h"
 #include "property/RandomGeometry.h"
 #include "property/RandomMachine.h"
+#include "property/RigidMachine.h"
 
 #include <Orvo/Angle.h>
 #include <Orvo/Kin/Machine.h>
@@ -34,44 +35,6 @@ using Kin::RotariesSolution;
 using Reference::Frame;
 
 const double FullTurnDeg = 360.0;
-
-bool IsOrthonormal(const Frame& f) {
-  const bool plain = f.m[3] == 0.0 && f.m[7] == 0.0 && f.m[11] == 0.0 && f.m[15] == 1.0;
-  for (int i = 0; i < 3; ++i) {
-    for (int k = 0; k < 3; ++k) {
-      const double expected = i == k ? 1.0 : 0.0;
-      if (!(std::fabs(Reference::Dot(f.Column(i), f.Column(k)) - expected) < 1e-12)) {
-        return false;
-      }
-    }
-  }
-  const double handed = Reference::Dot(Reference::Cross(f.Column(0), f.Column(1)), f.Column(2));
-  return plain && handed > 0.0;
-}
-
-// Tells whether a direction is so near the X axis, but not on it, that the frame made of it is not
-// quite orthonormal.
-bool IsNearX(const Reference::Vector& dir) {
-  const double sine = std::hypot(dir.y, dir.z);
-  return sine < 0.0011 && sine > 1e-9;
-}
-
-// A machine of rigid frames and clean axes only, made by calls: a file would round them.
-MachinePlan RigidPlan(Draw& draw) {
-  MachinePlan plan = SoundPlan(draw);
-  plan.fromFile = false;
-  for (ElementPlan& e : plan.elements) {
-    for (LinkStep& step : e.links) {
-      if (step.kind == Reference::Fixed && !IsOrthonormal(step.frame)) {
-        step.frame = Frame();
-      }
-      if (IsNearX(step.dir)) {
-        step.dir = {1.0, 0.0, 0.0, 0.0};
-      }
-    }
-  }
-  return plan;
-}
 
 double Separation(const Angle& a, const Angle& b) {
   return std::fabs(std::remainder(a.GetDegre() - b.GetDegre(), FullTurnDeg));
@@ -112,7 +75,7 @@ TEST(ForwardLaw, TheWholeMachineStandsWhereItsElementsStand) {
     Kin::MachineCompute calculator(pair.machine);
     MachinePosition pos = ToOrvo(AnyPosition(draw, pair.twin.registerNb));
     if (static_cast<int>(pos.Size()) < pair.twin.registerNb) {
-      pos.Alloc(pair.twin.registerNb);
+      pos.Alloc(Register(pair.twin.registerNb));
     }
     for (int i = 0; i < static_cast<int>(pos.Size()); ++i) {
       if (!(std::fabs(pos[Register(i)]) < 1e4)) {
@@ -129,44 +92,6 @@ TEST(ForwardLaw, TheWholeMachineStandsWhereItsElementsStand) {
       }
     }
   });
-}
-
-bool StandsOn(const Reference::Element* e, const Reference::Element* ancestor) {
-  while (e != nullptr && e != ancestor) {
-    e = e->parent;
-  }
-  return e != nullptr;
-}
-
-// Tells whether an axis, where there is one, turns the head against the table. The last common
-// ancestor belongs to the chain too, but carries both.
-bool TurnsOneSide(const MachinePair& pair, const RotaryRequest& request, int reg) {
-  const Reference::Element* head = pair.twin.HeadAt(request.head);
-  const Reference::Element* table = pair.twin.TableAt(request.table);
-  if (head == nullptr || table == nullptr) {
-    return false;
-  }
-  const Reference::Element* axis = pair.twin.ByRegister(reg);
-  return reg < 0 || StandsOn(head, axis) != StandsOn(table, axis);
-}
-
-// The direction of an axis in the table's frame, null where there is none.
-Reference::Vector AxisInTable(const MachinePair& pair, const RotaryRequest& request, int reg) {
-  Reference::Calculator calculator(pair.twin);
-  const Reference::Element* e = pair.twin.ByRegister(reg);
-  Reference::Vector axis;
-  Frame worldFromTable;
-  Reference::Position pos = request.pos;
-  for (const int other : {request.r0, request.r1}) {
-    if (pos.Holds(other)) {
-      pos[other] = 0.0;
-    }
-  }
-  if (e == nullptr || !calculator.WorldDirection(pos, *e, &axis)) {
-    return {};
-  }
-  calculator.PositionElement(*pair.twin.TableAt(request.table), pos, &worldFromTable);
-  return worldFromTable.HInverse().ApplyToVector(axis);
 }
 
 // Sets both pairs into the machine and looks where the tool points.
@@ -367,140 +292,6 @@ TEST(LinearLaw, TheSolutionBringsTheToolTipToThePoint) {
     }
   });
   EXPECT_GT(solved, 0);
-}
-
-// One angle of a solution and what the solver was to do with it.
-struct Unwrapping {
-  double rawDeg;
-  double currentDeg;
-  bool hasRange;
-  double minDeg;
-  double maxDeg;
-};
-
-// The equivalents of an angle that lie within a range: how far the best of them is from the ends.
-double DepthInRange(const Unwrapping& u) {
-  const double first =
-      u.minDeg + std::fmod(std::fmod(u.rawDeg - u.minDeg, FullTurnDeg) + FullTurnDeg, FullTurnDeg);
-  double best = -1e300;
-  for (double deg = first - FullTurnDeg; deg <= u.maxDeg + FullTurnDeg; deg += FullTurnDeg) {
-    best = std::max(best, std::min(deg - u.minDeg, u.maxDeg - deg));
-  }
-  return best;
-}
-
-void ExpectUnwrapped(const Unwrapping& u, double deg) {
-  const double turned = std::fabs(std::remainder(deg - u.rawDeg, FullTurnDeg));
-  if (!u.hasRange) {
-    EXPECT_LT(turned, 1e-6);
-    EXPECT_LE(std::fabs(deg - u.currentDeg), 180.0 + 1e-6);
-    return;
-  }
-  EXPECT_GE(deg, u.minDeg - 1e-9 * (1.0 + std::fabs(u.minDeg)));
-  EXPECT_LE(deg, u.maxDeg + 1e-9 * (1.0 + std::fabs(u.maxDeg)));
-  // An angle up to 0.01 radian outside is set to the limit.
-  const bool atLimit = std::fabs(deg - u.minDeg) < 1e-6 || std::fabs(deg - u.maxDeg) < 1e-6;
-  EXPECT_LT(turned, atLimit ? 0.01 * 180.0 / Reference::Pi + 1e-6 : 1e-6);
-}
-
-TEST(UnwrappingLaw, SolutionsAreWholeTurnsAwayNearestAndWithinTheirRanges) {
-  int kept = 0;
-  int dropped = 0;
-  ForCases(20000, [&kept, &dropped](Draw& draw) {
-    MachinePair pair(RigidPlan(draw));
-    if (pair.twin.programs.empty()) {
-      return;
-    }
-    const Reference::Program& program = pair.twin.programs.front();
-    Kin::ProgramSystem ours(*pair.machine.GetProgramSystem(Kin::ProgramSystemIndex(0)));
-    ours.SetRotariesCompute(Kin::RotariesComputeShortestWay);
-    Kin::ProgramSystemCompute solver(pair.machine, ours);
-    ours.SetRotariesCompute(Kin::RotariesComputeDefault);
-    Kin::ProgramSystemCompute rawSolver(pair.machine, ours);
-    RotaryRequest request;
-    request.head = program.head;
-    request.table = program.table;
-    request.r0 = program.rotary[0];
-    request.r1 = program.rotary[1];
-    request.pos.Alloc(pair.twin.registerNb);
-    for (double& value : request.pos.values) {
-      value = draw.Chance(0.1) ? draw.Uniform(-20000.0, 20000.0) : AngleDeg(draw);
-    }
-    const MachinePosition pos = ToOrvo(request.pos);
-    for (int call = 0; call < 6; ++call) {
-      const Vector3D ijk = ToOrvo(AnyTarget(draw, pair.twin, request));
-      RotariesSolution raw;
-      RotariesSolution solution;
-      const bool result = rawSolver.ComputeToolIjkTcsToMcsAbc(pos, ijk, &raw);
-      ASSERT_EQ(solver.ComputeToolIjkTcsToMcsAbc(pos, ijk, &solution), result);
-      if (!result || raw.Count == 0 || raw.FreeRegister >= 0) {
-        continue;
-      }
-      const int registers[2] = {request.r0, request.r1};
-      const double raws[2][2] = {{raw.Alpha1.GetDegre(), raw.Beta1.GetDegre()},
-                                 {raw.Alpha2.GetDegre(), raw.Beta2.GetDegre()}};
-      std::vector<std::vector<Unwrapping>> expected;
-      bool borderline = false;
-      for (unsigned int s = 0; s < raw.Count; ++s) {
-        std::vector<Unwrapping> axes;
-        bool inside = true;
-        for (int axis = 0; axis < 2; ++axis) {
-          const Reference::Element* e = pair.twin.ByRegister(registers[axis]);
-          if (e == nullptr) {
-            continue;
-          }
-          const Unwrapping u = {raws[s][axis], request.pos[registers[axis]], e->checkRange,
-                                e->link.rangeMin[0], e->link.rangeMax[0]};
-          axes.push_back(u);
-          if (u.hasRange) {
-            const double depth = DepthInRange(u);
-            borderline = borderline || std::fabs(depth) < 0.6;
-            inside = inside && depth >= 0.0;
-          }
-        }
-        if (inside) {
-          expected.push_back(axes);
-        }
-      }
-      if (borderline) {
-        continue;
-      }
-      ASSERT_EQ(solution.Count, expected.size()) << Text(request) << pair.Text();
-      dropped += static_cast<int>(raw.Count - solution.Count);
-      const double solutions[2][2] = {{solution.Alpha1.GetDegre(), solution.Beta1.GetDegre()},
-                                      {solution.Alpha2.GetDegre(), solution.Beta2.GetDegre()}};
-      double costs[2] = {0.0, 0.0};
-      for (unsigned int s = 0; s < solution.Count; ++s) {
-        ++kept;
-        for (int axis = 0; axis < 2; ++axis) {
-          if (registers[axis] >= 0) {
-            costs[s] += std::fabs(solutions[s][axis] - request.pos[registers[axis]]);
-          }
-        }
-      }
-      if (solution.Count == 2) {
-        EXPECT_LE(costs[0], costs[1]) << Text(request) << pair.Text();
-      }
-      // Whichever came first: each kept solution is one of the expected ones.
-      for (unsigned int s = 0; s < solution.Count && registers[0] >= 0 && registers[1] >= 0; ++s) {
-        const auto distance = [&](const std::vector<Unwrapping>& axes) {
-          return std::fabs(std::remainder(solutions[s][0] - axes[0].rawDeg, FullTurnDeg)) +
-                 std::fabs(std::remainder(solutions[s][1] - axes[1].rawDeg, FullTurnDeg));
-        };
-        const auto nearest = std::min_element(
-            expected.begin(), expected.end(),
-            [&](const auto& a, const auto& b) { return distance(a) < distance(b); });
-        ExpectUnwrapped((*nearest)[0], solutions[s][0]);
-        ExpectUnwrapped((*nearest)[1], solutions[s][1]);
-      }
-      if (::testing::Test::HasFailure()) {
-        ADD_FAILURE() << Text(request) << pair.Text();
-        return;
-      }
-    }
-  });
-  EXPECT_GT(kept, 0);
-  EXPECT_GT(dropped, 0);
 }
 
 }  // namespace

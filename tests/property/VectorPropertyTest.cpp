@@ -72,7 +72,7 @@ TEST(AngleProperty, ConvertsAndCalculatesAsTheTwinDoes) {
 }
 
 TEST(AngleProperty, MeasuresSignedAnglesAsTheTwinDoes) {
-  ForCases(3000000, [](Draw& draw) {
+  ForCases(500000, [](Draw& draw) {
     const Vector from = Drawn(draw);
     const Vector to = Partner(draw, from);
     const Vector ref = Partner(draw, draw.Chance(0.5) ? Reference::Cross(from, to) : from);
@@ -87,7 +87,7 @@ TEST(AngleProperty, MeasuresSignedAnglesAsTheTwinDoes) {
 }
 
 TEST(VectorProperty, CalculatesAsTheTwinDoes) {
-  ForCases(3000000, [](Draw& draw) {
+  ForCases(500000, [](Draw& draw) {
     const Vector a = Drawn(draw);
     const Vector b = Partner(draw, a);
     const double factor = AnyNumber(draw);
@@ -131,7 +131,7 @@ TEST(VectorProperty, CalculatesAsTheTwinDoes) {
 }
 
 TEST(VectorProperty, ComparesAndMakesUnitAsTheTwinDoes) {
-  ForCases(3000000, [](Draw& draw) {
+  ForCases(500000, [](Draw& draw) {
     const Vector a = Drawn(draw);
     const Vector b = Partner(draw, a);
     const double tol = Tolerance(draw);
@@ -149,7 +149,7 @@ TEST(VectorProperty, ComparesAndMakesUnitAsTheTwinDoes) {
 }
 
 TEST(VectorProperty, TellsColinearVectorsAsTheTwinDoes) {
-  ForCases(3000000, [](Draw& draw) {
+  ForCases(500000, [](Draw& draw) {
     Vector a = Drawn(draw);
     Vector b = Partner(draw, a);
     const double tol = Tolerance(draw);
