@@ -34,7 +34,7 @@ Exit status:
   3  the result can't be written
 
 Example:
-  orvo info trunnion_ac.xml
+  orvo info machine.xml
 )";
 
 }  // namespace

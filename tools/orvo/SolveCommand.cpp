@@ -48,17 +48,17 @@ then a check of the result by forward kinematics.
                 the tip towards the spindle, both in the frame of the table
 
 Options:
-  -o, --output AXES.csv         where the axis values go; always needed
-  -p, --program-system N|NAME   which program system of the machine, by number or
-                                by name; 0 if not given
-      --offset X,Y,Z            the tool: 0,0,L for a length of L; 0,0,0 if not
-                                given
-      --shift X,Y,Z             where the origin of the path lies in the frame of
-                                the table; 0,0,0 if not given
-      --start VALUES            axis values before the first point: some by name,
-                                such as C=90,A=-10, or one for each register;
-                                0 if not given
-  -h, --help                    print this help
+  -o, --output AXES.csv        where the axis values go; always needed
+  -p, --program-system N|NAME  which program system of the machine, by number or
+                               by name; 0 if not given
+      --offset X,Y,Z           the tool: 0,0,L for a length of L; 0,0,0 if not
+                               given
+      --shift X,Y,Z            where the path's origin lies in the frame of the
+                               table; 0,0,0 if not given
+      --start VALUES           axis values before the first point: some by name,
+                               such as C=90,A=-10, or one for each register;
+                               0 if not given
+  -h, --help                   print this help
 
 Lengths are in the machine's unit, angles in degrees.
 
@@ -92,7 +92,7 @@ Exit status:
   5  some points are out of range
 
 Example:
-  orvo solve trunnion_ac.xml curved_layers_model_1.csv --offset 0,0,30 -o axes.csv
+  orvo solve machine.xml path.csv --offset 0,0,30 -o axes.csv
 )";
 
 [[noreturn]] void BlameUsage(const std::string& what) {
