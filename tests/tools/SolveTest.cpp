@@ -543,8 +543,10 @@ TEST(Solve, HugeCoordinatesAreUnreachable) {
     EXPECT_THAT(row, Not(HasSubstr("nan")));
     EXPECT_THAT(row, Not(HasSubstr("inf")));
   }
-  EXPECT_EQ(solved.rows[1], "0.000000,0.000000,0.000000,0.000000,0.000000,0,unreachable");
+  EXPECT_EQ(solved.rows[1], "0.000000,0.000000,0.000000,0.000000,0.000000,2,unreachable");
   EXPECT_THAT(solved.rows[2], HasSubstr(",2,out:X"));
+  EXPECT_THAT(solved.result.out, HasSubstr("0 directions out of reach, 0 only outside a rotary "
+                                           "range, 1 points beyond the linear axes\n"));
 }
 
 }  // namespace

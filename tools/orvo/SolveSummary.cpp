@@ -92,6 +92,11 @@ std::string SolveSummary::GetCountsText() const {
     unreachable = "first in line " + std::to_string(firstUnreachableLine_) + "; ";
     unreachable += std::to_string(directionOutOfReachCount_) + " directions out of reach, ";
     unreachable += std::to_string(directionOutOfRangeCount_) + " only outside a rotary range";
+    const std::uint64_t others =
+        unreachableCount_ - directionOutOfReachCount_ - directionOutOfRangeCount_;
+    if (others > 0) {
+      unreachable += ", " + std::to_string(others) + " points beyond the linear axes";
+    }
   }
   table.AddRow({"unreachable", std::to_string(unreachableCount_), unreachable});
   table.AddRow({"out of range", std::to_string(outCount_),
