@@ -260,6 +260,21 @@ TEST(IntersectPlanePlane, NearlyParallelPlanesCrossAtTheSecondOriginOrNotAtAll) 
   EXPECT_TRUE(NearVector(line.Dir, Vector3D(-1, 0, 0), 1e-12));
 }
 
+// Where the sine between the normals is below a thousandth, their cross product is no direction any
+// more and the X axis stands for it.
+TEST(IntersectPlanePlane, TheDirectionOfPlanesThatHardlyCrossIsTheXAxis) {
+  for (const double sine : {0.00095, 0.00105}) {
+    SCOPED_TRACE(sine);
+    const Plane3D tilted(Vector3D(3, 4, 0), Vector3D(sine, 0, std::sqrt(1 - sine * sine)));
+    Line3D line;
+    EXPECT_EQ(IntersectionCompute::IntersectPlanePlane(Plane3D({3, 4, 0}, AxisZ), tilted, &line,
+                                                       Tolerance),
+              1);
+    EXPECT_TRUE(SameBits(line.Origin, Vector3D(3, 4, 0)));
+    EXPECT_TRUE(NearVector(line.Dir, sine < 0.001 ? AxisX : AxisY, 1e-12));
+  }
+}
+
 TEST(IntersectPlanePlane, GivesALineInBothPlanesAlongTheCrossProduct) {
   TestRandom random;
   SCOPED_TRACE(random.Trace());

@@ -28,6 +28,20 @@ struct CountLinearAxesNbOf {
 };
 template struct PrivateMember<CountLinearAxesNbOf, &Kin::Machine::CountLinearAxesNb>;
 
+using EntityTableOf = std::vector<const Kin::Entity*>* (Kin::Kinematic::*)();
+
+struct TableByEntityIdOf {
+  using Type = EntityTableOf;
+  friend Type MemberOf(TableByEntityIdOf);
+};
+template struct PrivateMember<TableByEntityIdOf, &Kin::Kinematic::GetVectorSortedByEntityIdMod>;
+
+struct TableByRegisterOf {
+  using Type = EntityTableOf;
+  friend Type MemberOf(TableByRegisterOf);
+};
+template struct PrivateMember<TableByRegisterOf, &Kin::Kinematic::GetVectorSortedByRegisterMod>;
+
 struct LinkTypeOf {
   using Type = Kin::EntityLinkType Kin::EntityLink::*;
   friend Type MemberOf(LinkTypeOf);
@@ -186,6 +200,35 @@ TEST(MachineFinish, OfEqualIdsAndRegistersTheLastWins) {
   EXPECT_EQ(machine.GetKinematic().GetEntity(EntityId(7)), entities[2]);
   EXPECT_EQ(machine.GetKinematic().GetEntity(Register(2)), entities[3]);
   EXPECT_EQ(entities[3]->GetParentEntity(), entities[2]);
+}
+
+TEST(MachineFinish, TablesReachToTheLargestIdAndRegister) {
+  Machine machine;
+  const std::vector<Entity*> entities = AddPlain(&machine, 3);
+  Kinematic kinematic(machine.GetKinematic());
+  const auto byEntityId = [&kinematic] {
+    return *(kinematic.*MemberOf(Testing::TableByEntityIdOf()))();
+  };
+  const auto byRegister = [&kinematic] {
+    return *(kinematic.*MemberOf(Testing::TableByRegisterOf()))();
+  };
+  using Table = std::vector<const Entity*>;
+  machine.Finish();
+  EXPECT_EQ(byEntityId(), Table({nullptr, entities[0], entities[1], entities[2]}));
+  EXPECT_EQ(byRegister(), Table({nullptr}));
+  SetEntityId(entities[1], 6);
+  entities[2]->SetRegister(Register(2));
+  machine.Finish();
+  EXPECT_EQ(byEntityId(),
+            Table({nullptr, entities[0], nullptr, entities[2], nullptr, nullptr, entities[1]}));
+  EXPECT_EQ(byRegister(), Table({nullptr, nullptr, entities[2]}));
+  for (Entity* const entity : entities) {
+    SetEntityId(entity, -1);
+    entity->SetRegister(Register());
+  }
+  machine.Finish();
+  EXPECT_EQ(byEntityId(), Table());
+  EXPECT_EQ(byRegister(), Table({nullptr}));
 }
 
 TEST(MachineFinish, HeadsAndTablesAreNumberedInTheOrderOfTheList) {
