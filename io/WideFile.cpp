@@ -41,6 +41,11 @@ bool WideFile::Write(const void* bytes, std::size_t size) {
 
 bool WideFile::Seek(long offset) { return std::fseek(file_, offset, SEEK_SET) == 0; }
 
+long WideFile::Rewind() {
+  const long size = std::fseek(file_, 0, SEEK_END) == 0 ? std::ftell(file_) : -1;
+  return Seek(0) ? size : -1;
+}
+
 bool WideFile::Close() {
   if (file_ == nullptr) {
     return false;

@@ -24,6 +24,9 @@ class WideFile : public ByteSource, public ByteSink {
   bool Write(const void* bytes, std::size_t size) override;
   bool Seek(long offset) override;
 
+  /// Returns the size in bytes and goes to the start; negative where the file has no size.
+  long Rewind();
+
   /// The open stream, for a library that writes to one.
   std::FILE* Stream() { return file_; }
 

@@ -1,5 +1,6 @@
 #include "io/XMLDocument.h"
 
+#include "io/AttributeLimit.h"
 #include "io/Utf8.h"
 #include "io/WideFile.h"
 
@@ -9,13 +10,18 @@ XMLDocument::XMLDocument() : document_(true, tinyxml2::PRESERVE_WHITESPACE) {}
 
 XMLDocument::~XMLDocument() = default;
 
-// Deliberate: the parser opens the file by its narrow name, so the file system sees UTF-8.
+// The stream is ours, here and below: the parser would leave its own open when memory fails, and
+// would not see a full disk.
 bool XMLDocument::LoadFile(const std::wstring& path) {
-  return path.find(L'\0') == std::wstring::npos &&
-         document_.LoadFile(ToUtf8(path).c_str()) == tinyxml2::XML_SUCCESS;
+  WideFile file(path, WideFile::Mode::Read);
+  if (!file.IsOpen()) {
+    return false;
+  }
+  const long size = file.Rewind();
+  return size >= 0 && IsWithinAttributeLimit(&file, static_cast<std::size_t>(size)) &&
+         file.Rewind() >= 0 && document_.LoadFile(file.Stream()) == tinyxml2::XML_SUCCESS;
 }
 
-// The stream is ours, because the parser's own way of saving doesn't see a full disk.
 bool XMLDocument::SaveFile(const std::wstring& path) {
   WideFile file(path, WideFile::Mode::WriteText);
   return file.IsOpen() && document_.SaveFile(file.Stream(), false) == tinyxml2::XML_SUCCESS &&

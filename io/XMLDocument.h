@@ -20,7 +20,8 @@ class XMLDocument {
   XMLDocument& operator=(const XMLDocument&) = delete;
   virtual ~XMLDocument();
 
-  /// Parses a file. False where it can't be opened or is no XML.
+  /// Parses a file. False where it can't be opened, is no XML or has a tag of more than 1000
+  /// attributes.
   bool LoadFile(const std::wstring& path);
 
   /// Writes the document to a file, indented. False unless every byte was written.
