@@ -65,10 +65,12 @@ void Vector3D::Set(const Vector3D& other) { *this = other; }
 void Vector3D::Reset() { *this = Vector3D(); }
 
 void Vector3D::Get(double* x, double* y, double* z) {
+  // The places may be components of this vector.
+  const Vector3D copy(*this);
   double* const places[3] = {x, y, z};
   for (int i = 0; i < 3; ++i) {
     if (places[i] != nullptr) {
-      *places[i] = components_[i];
+      *places[i] = copy[i];
     }
   }
 }
@@ -167,13 +169,15 @@ bool Vector3D::IsColinear(const Vector3D& other, double tol, double* ratio) cons
   if (ratio == nullptr) {
     return true;
   }
-  *ratio = NoRatio;
+  // Stored at the end: the ratio may go into a component of either vector.
+  double found = NoRatio;
   for (int i = 0; i < 3; ++i) {
     if (std::fabs(components_[i]) > tol && std::fabs(other.components_[i]) > tol) {
-      *ratio = other.components_[i] / components_[i];
+      found = other.components_[i] / components_[i];
       break;
     }
   }
+  *ratio = found;
   return true;
 }
 

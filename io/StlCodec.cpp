@@ -147,7 +147,8 @@ bool DecodeStl(ByteSource* source, Mesh* mesh) {
   if (triangleNb == 0 || triangleNb > LargestTriangleNb) {
     return false;
   }
-  Mesh read;
+  // A copy, so that arrays that were handed out stay alive with the mesh.
+  Mesh read(*mesh);
   TriangleArrays arrays(&read, triangleNb);
   unsigned char block[BlockSize];
   std::uint32_t triangle = 0;

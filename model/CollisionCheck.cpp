@@ -51,9 +51,17 @@ void EntityIdPairSet::Set(const EntityId& a, const EntityId& b, bool on) {
     partnersOfLarger.splice(partnersOfLarger.end(), smaller);
     partnersOfSmaller.splice(partnersOfSmaller.end(), larger);
   } else if (!on && found != pairs_.end()) {
-    partners_[key.first].erase(found->second.ofSmaller);
-    partners_[key.second].erase(found->second.ofLarger);
+    ErasePartner(key.first, found->second.ofSmaller);
+    ErasePartner(key.second, found->second.ofLarger);
     pairs_.erase(found);
+  }
+}
+
+void EntityIdPairSet::ErasePartner(int id, PartnerList::iterator partner) {
+  const auto partners = partners_.find(id);
+  partners->second.erase(partner);
+  if (partners->second.empty()) {
+    partners_.erase(partners);
   }
 }
 

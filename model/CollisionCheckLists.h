@@ -41,6 +41,8 @@ class EntityIdPairSet {
     PartnerList::iterator ofLarger;
   };
 
+  void ErasePartner(int id, PartnerList::iterator partner);
+
   // By (larger id, smaller id).
   std::map<std::pair<int, int>, Places> pairs_;
   std::map<int, PartnerList> partners_;
