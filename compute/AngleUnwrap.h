@@ -14,8 +14,9 @@ double ClosestAngle(double radians, double reference);
 
 /// Returns the equivalent of an angle that is nearest to a reference, moved into [min, max].
 ///
-/// An angle within 0.0001 outside a limit stays there; one within 0.01 of a limit is set to it. In
-/// a range narrower than a turn the result may lie outside.
+/// An angle up to 0.01 below the lower limit, after that, is set to it; so is one up to 0.0001
+/// above the upper limit, since farther above it a turn is taken away first. In a range narrower
+/// than a turn the result may lie outside.
 double ClosestAngle(double radians, double reference, double min, double max);
 
 }  // namespace Orvo::Kin

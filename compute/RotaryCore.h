@@ -22,7 +22,7 @@ namespace Orvo::Kin {
 ///
 /// @param axis1, axis2  unit directions; axis1 is the one nearer the tool
 /// @param tool          the tool direction, of unit length
-/// @param target        the requested direction, of any length
+/// @param target        the requested direction, of any length; below 0.001 it counts as (1, 0, 0)
 /// @param register2     register of axis2, stored where its angle is arbitrary
 /// @param intersection  its tolerances are set to those of this method, and stay so
 /// @param sol           receives count, free register and angles: alpha of axis1, beta of axis2

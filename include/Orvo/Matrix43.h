@@ -143,8 +143,8 @@ class ORVO_API Matrix43 {
   ///
   /// An axis within 0.00001 (strict, by component) of a signed unit axis turns as the principal
   /// axis does. Any other one, of whatever length, turns through the frame of MakeAxisW(); there
-  /// the kind becomes `Rotation` even where T is not zero. Deliberate: the solvers rely on the
-  /// difference. An axis shorter than 0.001 turns about Z.
+  /// the kind becomes `Rotation` even where T is not zero. Deliberate: callers set T afterwards. An
+  /// axis shorter than 0.001 turns about Z.
   void SetRotation(const Vector3D& axis, const Angle& a);
 
   /// Becomes a rotation whose W is the unit vector of @p w, with T zero.

@@ -16,8 +16,9 @@ struct MeshArray;
 /// the index of its normal in Normals) and Normals. Lengths are in the caller's unit, the frame is
 /// the element's own. No kinematic computation reads a mesh.
 ///
-/// A copy shares the arrays. An array lives until the last mesh that has held it, or a copy of
-/// that mesh, goes. Nothing checks the indices here; the file writer does.
+/// A copy shares the arrays. An array lives as long as the mesh that it was made for, even when a
+/// newer one has taken its place, and as long as any copy made since; assigning to a mesh lets go
+/// of what it held. Nothing checks the indices here; the file writer does.
 class ORVO_API Mesh {
  public:
   /// Makes an empty mesh: null arrays, counts 0.

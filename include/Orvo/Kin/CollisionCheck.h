@@ -17,10 +17,11 @@ struct CollisionCheckLists;
 /// were first switched on. Ids are not checked against a machine.
 ///
 /// A copy is a second handle on the same sets, which live as long as any of them. Deliberate: a
-/// change through one handle is seen through all. Callers serialise access.
+/// change through one handle is seen through all. Callers serialize access.
 ///
 /// @par Cost
-/// Setting and asking are logarithmic in the size of the set; listing is linear in the result.
+/// Setting and asking are logarithmic in the size of the set. Listing a set is linear in its size,
+/// listing partners in the number of the element's pairs.
 class ORVO_API CollisionCheck {
  public:
   /// Makes five empty sets.

@@ -67,6 +67,7 @@ class ORVO_API Entity : public ISerializableXML {
 
   /// Adds a mesh from a binary STL file, as EntityMesh::AddCadStlBin does; a list is made first
   /// where there is none, and stays when reading fails.
+  /// @throws std::bad_alloc as EntityMesh::ReadCadStlBin does
   bool AddCadStlBin(const std::wstring& fileName, unsigned int color);
 
   const std::wstring& GetEntityName() const;

@@ -10,9 +10,9 @@ namespace Orvo::Kin {
 
 struct EntityMeshImplementation;
 
-/// Lists the meshes of one element, each with a colour, in the order in which they were added.
+/// Lists the meshes of one element, each with a color, in the order in which they were added.
 ///
-/// A colour is passed through unchanged; its encoding is the caller's. An index outside the list
+/// A color is passed through unchanged; its encoding is the caller's. An index outside the list
 /// gives null, 0 or false. Not copyable: it owns its meshes.
 class ORVO_API EntityMesh {
  public:
@@ -34,6 +34,7 @@ class ORVO_API EntityMesh {
   /// Appends an empty mesh and reads a binary STL file into it.
   ///
   /// @return what ReadCadStlBin() returns; the mesh stays in the list, filled or not
+  /// @throws std::bad_alloc as ReadCadStlBin() does; the mesh stays in the list, empty
   bool AddCadStlBin(const std::wstring& fileName, unsigned int color);
 
   /// Returns the number of meshes.
@@ -42,11 +43,11 @@ class ORVO_API EntityMesh {
   /// Returns a mesh, or null outside the list.
   const Mesh* GetMesh(int i) const;
 
-  /// Returns the colour of a mesh, or 0 outside the list.
+  /// Returns the color of a mesh, or 0 outside the list.
   unsigned int GetMeshColor(int i) const;
 
   /// Reads a binary STL file into mesh @p i, which takes new arrays; each triangle has three
-  /// vertices and one normal of its own.
+  /// vertices and one normal of its own. Earlier arrays stay alive with the mesh.
   ///
   /// @return false when the index is outside the list or its mesh null, when the file can't be
   ///   opened or is shorter than its 84 bytes of header, and when its count of triangles is 0 or

@@ -136,12 +136,12 @@ class ORVO_API Machine : public ISerializableXML {
   /// Reads a machine file, appends what it holds to this machine and finishes it.
   ///
   /// @param path  the file's name
-  /// @return false when the file can't be opened or is no XML, when it is no machine or when
-  ///   something required is missing; what was read before that stays. True otherwise: deliberate,
-  ///   whatever Finish() says; ask GetLastError() or IsFinished().
-  /// @throws std::invalid_argument, std::out_of_range for a text where a number must stand; what
-  /// was
-  ///   read before stays
+  /// @return false when the file can't be opened, is no XML or has a tag of more than 1000
+  ///   attributes, when it is no machine or when something required is missing; what was read
+  ///   before that stays. True otherwise: deliberate, whatever Finish() says; ask GetLastError() or
+  ///   IsFinished().
+  /// @throws std::invalid_argument for a text that is no number where one must stand, and
+  ///   std::out_of_range for a number that is too large or too small; what was read before stays
   /// @throws std::length_error as Finish() does
   bool ReadXML(const std::wstring& path);
 
@@ -156,6 +156,7 @@ class ORVO_API Machine : public ISerializableXML {
   ///
   /// The mesh i of the element with the id n stands in `<path without its last suffix>_n_i.stl`.
   /// @return false when the machine file or any mesh file can't be read; what was read stays
+  /// @throws what ReadXML() throws, and std::bad_alloc as EntityMesh::ReadCadStlBin does
   bool ReadMachineWithMeshStl(const std::wstring& path);
 
   /// Writes a machine file as WriteXML() does, then one mesh file for each mesh beside it.

@@ -107,14 +107,15 @@ class ORVO_API MachineCompute {
   /// Computes the values of up to two rotary axes that turn the tool onto a direction.
   ///
   /// The tool direction is +Z of the head's frame. The other axes stand as @p pos has them. The
-  /// solutions are raw: in (-180, 180] degrees each, whatever the ranges; ProgramSystemCompute
+  /// solutions are raw: from -180 to 180 degrees each, whatever the ranges; ProgramSystemCompute
   /// chooses among them.
   ///
   /// @param pos    axis values by register
   /// @param head   the head
   /// @param table  the table
   /// @param ijk    requested direction in the table's frame, from the tool tip towards the head; of
-  ///   unit length for fewer than two axes, of any length for two
+  ///   unit length for fewer than two axes. For two, of any length; shorter than 0.001 it counts as
+  ///   (1, 0, 0)
   /// @param r0     register of the alpha axis; undefined: there is none
   /// @param r1     register of the beta axis; undefined: there is none
   /// @param sol    receives the solutions; it is reset first and stays partly filled on failure
@@ -126,7 +127,7 @@ class ORVO_API MachineCompute {
   ///   - ComputeErrorNoHeadOrTable: no such head or table, or no common root
   ///   - ComputeErrorRegister: an axis with the register on the chain is not rotary, or there is
   ///     none
-  ///   - ComputeErrorNotAxis, ComputeErrorAxisLinkType: the register belongs to a head or a table
+  ///   - ComputeErrorNotAxis: the register belongs to a head or a table
   /// @par Cost
   /// Linear in the chains to the root; allocates when the head or the table changes.
   bool ComputeToolIjkTcsToMcsAbc(const MachinePosition& pos, const HeadIndex& head,

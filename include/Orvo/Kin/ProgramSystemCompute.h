@@ -32,8 +32,9 @@ class ORVO_API ProgramSystemCompute {
   /// "Default" and "AlphaPositive": the solutions of MachineCompute::ComputeToolIjkTcsToMcsAbc as
   /// they are. "ShortestWay": an arbitrary axis takes its current value; each angle goes to the
   /// equivalent nearest the current value, by whole turns, and into the axis's range where that is
-  /// checked; angles up to 0.01 radian outside a limit are set to it; solutions outside the ranges
-  /// are dropped; of two that are left, the one with the smaller sum of moves comes first.
+  /// checked; there, angles up to 0.01 radian below the lower limit and up to 0.0001 radian above
+  /// the upper one are set to the limit; solutions outside the ranges are dropped; of two that are
+  /// left, the one with the smaller sum of moves comes first.
   ///
   /// @param pos  current axis values by register: lengths in the machine's unit, angles in degrees
   /// @param ijk  requested direction in the table's frame, from the tool tip towards the head

@@ -8,9 +8,9 @@ namespace Orvo::Kin {
 /// The values of two rotary axes that turn the tool onto a direction: up to two pairs.
 ///
 /// Alpha belongs to the first rotary register of the request, beta to the second, whatever their
-/// order in the machine. The angles are values of the axes, counted from register value 0. With
-/// one solution of two axes the second pair repeats the first, within 0.001 degree; a single
-/// axis, and a solution that the choice by range dropped, leave it at 0.
+/// order in the machine. The angles are values of the axes, counted from register value 0. Read the
+/// second pair with the count 2 only. With the count 1 it holds what the solver left there: the
+/// first pair as it was before it was unwrapped, within 0.001 degree, or 0.
 struct ORVO_API RotariesSolution {
   /// The number of solutions: 0, 1 or 2.
   unsigned int Count = 0;
