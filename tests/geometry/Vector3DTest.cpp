@@ -546,6 +546,7 @@ TEST(Vector3DIsColinear, TellsLinesAndTheirRatio) {
     double ratio;
   };
   const double belowNull = std::nextafter(0.0001, 0.0);
+  const double belowShort = std::nextafter(0.001, 0.0);
   const Case cases[] = {
       {"opposite senses", {2, 0, 0}, {-4, 0, 0}, 0.001, true, -2.0},
       {"same sense", {0, 0, 2}, {0, 0, 5}, 0.001, true, 2.5},
@@ -569,6 +570,9 @@ TEST(Vector3DIsColinear, TellsLinesAndTheirRatio) {
       {"and is not its own line", {0, 0.0005, 0}, {0, 3, 0}, 0.00005, false, Unwritten},
       {"two short ones", {0, 0.0005, 0}, {0, 0, 0.0009}, 0.00005, true, 1e8},
       {"as long as not short", {0, 0.001, 0}, {0, 3, 0}, 0.00005, true, 3.0 / 0.001},
+      {"just short", {0, belowShort, 0}, {0, 3, 0}, 0.00005, false, Unwritten},
+      {"the other as long as not short", {0, 3, 0}, {0, 0.001, 0}, 0.00005, true, 0.001 / 3.0},
+      {"the other just short", {0, 3, 0}, {0, belowShort, 0}, 0.00005, false, Unwritten},
       {"NaN", {NotANumber, 1, 0}, {1, 0, 0}, 0.5, false, Unwritten},
   };
   for (const Case& c : cases) {
