@@ -1,31 +1,31 @@
+#include "MachineFiles.h"
 #include "io/AttributeLimit.h"
+
+#include <Orvo/Kin/Machine.h>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstring>
 #include <string>
+#include <utility>
 
+namespace Orvo::Testing {
 namespace {
 
-using namespace Orvo;
-
-/// Gives out a text in pieces.
 class TextSource : public ByteSource {
  public:
-  explicit TextSource(std::string text) : text_(std::move(text)) {}
+  explicit TextSource(std::string bytes) : bytes_(std::move(bytes)) {}
 
   std::size_t Read(void* bytes, std::size_t size) override {
-    const std::size_t present = std::min(size, text_.size() - place_);
-    std::memcpy(bytes, text_.data() + place_, present);
-    place_ += present;
-    return present;
+    const std::size_t count = std::min(size, bytes_.size() - place_);
+    std::memcpy(bytes, bytes_.data() + place_, count);
+    place_ += count;
+    return count;
   }
 
-  std::size_t Place() const { return place_; }
-
  private:
-  std::string text_;
+  std::string bytes_;
   std::size_t place_ = 0;
 };
 
@@ -34,77 +34,78 @@ bool IsWithin(const std::string& text) {
   return IsWithinAttributeLimit(&source, text.size());
 }
 
-std::string Attributes(std::size_t count, const std::string& value = "\"1\"") {
+std::string Attributes(std::size_t count, char quote = '"') {
   std::string text;
   for (std::size_t i = 0; i < count; ++i) {
-    text += " a" + std::to_string(i) + "=" + value;
+    text += " a" + std::to_string(i) + "=" + quote + "x" + quote;
   }
   return text;
 }
 
-TEST(AttributeLimit, AThousandAttributesPassAndOneMoreDoesNot) {
-  EXPECT_TRUE(IsWithin("<M" + Attributes(1000) + "/>"));
-  EXPECT_FALSE(IsWithin("<M" + Attributes(1001) + "/>"));
-  EXPECT_FALSE(IsWithin("<M" + Attributes(1001)));
-  EXPECT_FALSE(IsWithin("<M" + Attributes(1001, "'1'") + "></M>"));
+TEST(AttributeLimit, LargestNumberIsWithinIt) {
+  for (const char quote : {'"', '\''}) {
+    EXPECT_TRUE(IsWithin("<a" + Attributes(LargestAttributeNb, quote) + "/>"));
+    EXPECT_FALSE(IsWithin("<a" + Attributes(LargestAttributeNb + 1, quote) + "/>"));
+  }
+  EXPECT_FALSE(IsWithin("<a>text<b" + Attributes(LargestAttributeNb + 1))) << "without an end too";
 }
 
-TEST(AttributeLimit, EachTagCountsForItself) {
-  const std::string tag = "<M" + Attributes(1000) + ">text</M>";
-  EXPECT_TRUE(IsWithin(tag + tag + tag));
-  EXPECT_FALSE(IsWithin(tag + "<M" + Attributes(1001) + ">"));
+TEST(AttributeLimit, EveryTagIsCountedAlone) {
+  const std::string tag = "<b" + Attributes(LargestAttributeNb) + "/>";
+  EXPECT_TRUE(IsWithin("<a>" + tag + tag + tag + "</a>"));
 }
 
-TEST(AttributeLimit, ValuesMayHoldMarkup) {
-  EXPECT_TRUE(IsWithin("<M" + Attributes(1000, "\"<'>'\"") + "/>"));
-  EXPECT_FALSE(IsWithin("<M" + Attributes(1001, "\">\"") + "/>"));
-  EXPECT_FALSE(IsWithin("<M" + Attributes(1001, "'\">'") + "/>"));
-}
-
-TEST(AttributeLimit, WhatIsNoTagHasNoAttributes) {
-  const std::string many = Attributes(2000);
-  const struct {
-    const char* name;
-    std::string text;
-  } cases[] = {
-      {"text", "<M>" + many + "</M>"},
-      {"comment", "<!-- <a" + many + "> - -- --->"},
-      {"comment that starts with its end", "<!-->" + many + "-->"},
-      {"character data", "<![CDATA[<a" + many + ">]]]>"},
-      {"declaration", "<?xml <a" + many + "> ?>"},
-      {"unknown", "<!DOCTYPE" + many + ">"},
-      {"unknown that starts like a comment", "<!-x" + many + ">"},
-      {"unknown that starts like character data", "<![CDAT" + many + ">"},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
-    EXPECT_TRUE(IsWithin(c.text));
-    EXPECT_TRUE(IsWithin(c.text + "<M" + Attributes(1000) + "/>"));
-    EXPECT_FALSE(IsWithin(c.text + "<M" + Attributes(1001) + "/>"));
+TEST(AttributeLimit, WhatIsNoTagIsNotCounted) {
+  const std::string many = Attributes(LargestAttributeNb + 1);
+  for (const std::string& text :
+       {"<!--" + many + "--><a/>", "<!-- <x" + many + " -- > ->-->", "<![CDATA[<x" + many + ">]]>",
+        "<![CDATA[ ]]" + many + "]>" + many + "]]>", "<?xml" + many + "?>", "<?x >" + many + "?>",
+        "<!DOCTYPE" + many + ">", "<a>" + many + "</a>", "<a b='" + Attributes(2000) + "'/>",
+        "<a b=\"" + Attributes(2000, '\'') + "\"/>", std::string(), "<", "<!", "<!-", "<![CDATA",
+        "<!-->" + many, "<!-" + many + ">"}) {
+    EXPECT_TRUE(IsWithin(text)) << text.substr(0, 30);
   }
 }
 
-TEST(AttributeLimit, MarkupThatNeverEndsIsNoTag) {
-  for (const char* start : {"<!--", "<![CDATA[", "<?", "<!D", "<"}) {
-    SCOPED_TRACE(start);
-    EXPECT_TRUE(IsWithin(start));
-  }
-  EXPECT_TRUE(IsWithin("<!--" + Attributes(1001)));
-  EXPECT_TRUE(IsWithin(""));
-}
-
-TEST(AttributeLimit, TagsMayCrossTheBlocksInWhichAFileIsRead) {
-  for (const std::size_t length : {65530U, 65534U, 65535U, 65536U, 131070U}) {
-    SCOPED_TRACE(length);
-    EXPECT_FALSE(IsWithin(std::string(length, ' ') + "<M" + Attributes(1001) + "/>"));
-    EXPECT_TRUE(IsWithin(std::string(length, ' ') + "<!--" + Attributes(1001) + "-->"));
+TEST(AttributeLimit, WhatFollowsOtherMarkupIsCounted) {
+  const std::string tag = "<x" + Attributes(LargestAttributeNb + 1) + ">";
+  for (const char* const before :
+       {"<!---->", "<!-- > -->", "<![CDATA[]]>", "<![CDATA[ > ]] > ]]>", "<?xml?>", "<?x > ?>",
+        "<!>", "<!DOCTYPE x>", "<!-x>", "<![CDAT>", "<a b='>'>", "<a b='\"'>", "<a>'</a>\"", "</a>",
+        "<>", "<a b=\"<\">"}) {
+    EXPECT_FALSE(IsWithin(before + tag)) << before;
   }
 }
 
-TEST(AttributeLimit, NoMoreThanTheGivenSizeIsRead) {
-  TextSource source("<M/><M" + Attributes(1001) + "/>");
-  EXPECT_TRUE(IsWithinAttributeLimit(&source, 4));
-  EXPECT_EQ(source.Place(), 4U);
+TEST(AttributeLimit, BlocksAreJoined) {
+  for (std::size_t padding = 65500; padding < 65560; ++padding) {
+    const std::string text(padding, 't');
+    ASSERT_FALSE(IsWithin(text + "<!--x--><a" + Attributes(LargestAttributeNb + 1) + ">"));
+    ASSERT_TRUE(IsWithin(text + "<!--x--><a" + Attributes(LargestAttributeNb) + "><![CDATA[" +
+                         Attributes(5) + "]]>"));
+  }
+}
+
+TEST(AttributeLimit, OnlyTheGivenSizeIsRead) {
+  const std::string head = "<a" + Attributes(LargestAttributeNb);
+  TextSource source(head + " b='x'>");
+  EXPECT_TRUE(IsWithinAttributeLimit(&source, head.size()));
+  TextSource shorter(head);
+  EXPECT_TRUE(IsWithinAttributeLimit(&shorter, head.size() + 1000000));
+}
+
+// The parser would take minutes for such a tag.
+TEST(AttributeLimit, FilesBeyondItAreRefused) {
+  Kin::Machine machine;
+  EXPECT_TRUE(ReadText(machine, Replaced(WholeText(), "<Entity>",
+                                         "<Entity" + Attributes(LargestAttributeNb) + ">")));
+  EXPECT_EQ(EntityCount(machine), 1U);
+  EXPECT_FALSE(ReadText(machine, Replaced(WholeText(), "<Entity>",
+                                          "<Entity" + Attributes(LargestAttributeNb + 1) + ">")));
+  EXPECT_FALSE(
+      ReadText(machine, Replaced(WholeText(), "<Entity>", "<Entity" + Attributes(300000) + ">")));
+  EXPECT_EQ(EntityCount(machine), 1U);
 }
 
 }  // namespace
+}  // namespace Orvo::Testing
