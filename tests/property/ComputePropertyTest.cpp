@@ -23,7 +23,7 @@ void Explain(const MachinePair& machines) {
 }
 
 TEST(ForwardProperty, PlacesElementsAsTheTwinDoes) {
-  ForCases(20000, [](Draw& draw) {
+  ForCases(30000, [](Draw& draw) {
     const MachinePair machines(AnyPlan(draw));
     CalculatorPair pair(machines);
     for (int call = 0; call < 8 && !::testing::Test::HasFailure(); ++call) {
@@ -47,7 +47,7 @@ TEST(ForwardProperty, PlacesElementsAsTheTwinDoes) {
 }
 
 TEST(RotaryProperty, SolvesAsTheTwinDoes) {
-  ForCases(30000, [](Draw& draw) {
+  ForCases(60000, [](Draw& draw) {
     const MachinePair machines(AnyPlan(draw));
     CalculatorPair pair(machines);
     for (int call = 0; call < 8 && !::testing::Test::HasFailure(); ++call) {
@@ -58,7 +58,7 @@ TEST(RotaryProperty, SolvesAsTheTwinDoes) {
 }
 
 TEST(LinearProperty, SolvesAsTheTwinDoes) {
-  ForCases(20000, [](Draw& draw) {
+  ForCases(30000, [](Draw& draw) {
     const MachinePair machines(AnyPlan(draw));
     CalculatorPair pair(machines);
     for (int call = 0; call < 8 && !::testing::Test::HasFailure(); ++call) {
@@ -69,7 +69,7 @@ TEST(LinearProperty, SolvesAsTheTwinDoes) {
 }
 
 TEST(CalculatorProperty, KeepsItsMemoryAcrossAllOperationsAsTheTwinDoes) {
-  ForCases(10000, [](Draw& draw) {
+  ForCases(20000, [](Draw& draw) {
     const MachinePair machines(AnyPlan(draw));
     CalculatorPair pair(machines);
     for (int call = 0; call < 16 && !::testing::Test::HasFailure(); ++call) {

@@ -82,12 +82,19 @@ Vector Point(Draw& draw) {
 Vector UnitDirection(Draw& draw) {
   static const Vector principal[] = {{1, 0, 0, 0},  {-1, 0, 0, 0}, {0, 1, 0, 0},
                                      {0, -1, 0, 0}, {0, 0, 1, 0},  {0, 0, -1, 0}};
-  switch (draw.Int(0, 4)) {
+  switch (draw.Int(0, 9)) {
     case 0:
     case 1:
-      return draw.Of(principal);
     case 2:
+    case 3:
+      return draw.Of(principal);
+    case 4:
+    case 5:
       return Turned(draw.Of(principal), draw.Of(principal), AngleDeg(draw));
+    case 6:
+      // Beside a principal axis, by less or more than the tolerances see.
+      return Turned(draw.Of(principal), draw.Of(principal),
+                    std::pow(10.0, draw.Uniform(-7.0, 0.5)));
     default:
       break;
   }

@@ -3,6 +3,7 @@
 #include "property/reference/Calculator.h"
 
 #include <cmath>
+#include <initializer_list>
 
 namespace Orvo::Property {
 namespace {
@@ -14,6 +15,19 @@ bool StandsOn(const Reference::Element* e, const Reference::Element* ancestor) {
     e = e->parent;
   }
   return e != nullptr;
+}
+
+// Turns a direction beside a principal axis into that axis: the frame of a turn takes it for such,
+// or is not quite orthonormal.
+void SnapToPrincipal(Reference::Vector* dir) {
+  for (double* component : {&dir->x, &dir->y, &dir->z}) {
+    if (std::fabs(*component) > 1.0 - 1e-6) {
+      const double sign = *component < 0.0 ? -1.0 : 1.0;
+      *dir = Reference::Vector();
+      *component = sign;
+      return;
+    }
+  }
 }
 
 }  // namespace
@@ -45,9 +59,7 @@ MachinePlan RigidPlan(Draw& draw) {
       if (step.kind == Reference::Fixed && !IsOrthonormal(step.frame)) {
         step.frame = Frame();
       }
-      if (IsNearX(step.dir)) {
-        step.dir = {1.0, 0.0, 0.0, 0.0};
-      }
+      SnapToPrincipal(&step.dir);
     }
   }
   return plan;

@@ -163,7 +163,19 @@ LinkStep FixedStep(const Frame& frame) {
 
 void RotaryRange(Draw& draw, ElementPlan* e) {
   const double low = draw.Uniform(-400.0, 400.0);
-  switch (draw.Int(0, 9)) {
+  switch (draw.Int(0, 11)) {
+    case 10:
+    case 11: {
+      // Round limits, moved by less or more than the 0.0001 and 0.01 radian that are forgiven.
+      static const double moves[] = {0.0, 0.00005, 0.0001, 0.001, 0.01, 0.02};
+      const auto move = [&draw]() {
+        const double radians = draw.Of(moves) * draw.Uniform(0.9999, 1.0001);
+        return Reference::RadiansToDegrees(draw.Chance(0.5) ? radians : -radians);
+      };
+      const double min = draw.Int(-12, 12) * 15.0;
+      SetRange(e, min + move(), min + draw.Int(0, 24) * 15.0 + move());
+      break;
+    }
     case 0:
     case 1:
     case 2:
