@@ -150,6 +150,7 @@ TEST(MachineFault, SyntaxIsBlamedByLineAndColumn) {
        ":2:4: '<' is not followed by the name of an element"},
       {"columns are characters", "<Machine><!-- \xC3\xA9\xE2\x82\xAC --></Machina>",
        ":1:21: </Machina> stands where <Machine> of line 1 must be closed"},
+      {"a NUL byte", std::string("<Machine>\n <\0/Machine>\n", 22), ":2:3: a NUL byte"},
       {"nested too deep", deep, ":101:1: elements are nested more than 100 deep"},
   };
   for (const Case& c : cases) {

@@ -29,6 +29,11 @@ XmlOutline::XmlOutline(std::string_view text) : text_(text), nodes_(1) {
     position_ = 3;
     knownOffset_ = 3;
   }
+  const std::size_t nul = text_.find('\0');
+  if (nul != std::string_view::npos) {
+    Fail(nul, "a NUL byte: this is no text file");
+    return;
+  }
   Read();
 }
 
