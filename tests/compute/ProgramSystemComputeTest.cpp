@@ -3,6 +3,7 @@
 #include "support/SameBits.h"
 #include "support/TestRandom.h"
 
+#include <Orvo/Kin/MachineCompute.h>
 #include <Orvo/Kin/ProgramSystem.h>
 #include <Orvo/Kin/ProgramSystemCompute.h>
 #include <Orvo/Kin/RotariesSolution.h>

@@ -1,3 +1,4 @@
+#include "PrivateAccess.h"
 #include "SmallMachines.h"
 #include "support/NearVector.h"
 #include "support/SameBits.h"

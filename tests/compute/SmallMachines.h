@@ -2,10 +2,8 @@
 
 #include <Orvo/Angle.h>
 #include <Orvo/Kin/Entity.h>
-#include <Orvo/Kin/EntityLink.h>
 #include <Orvo/Kin/Kinematic.h>
 #include <Orvo/Kin/Machine.h>
-#include <Orvo/Kin/MachineCompute.h>
 #include <Orvo/Kin/MachinePosition.h>
 #include <Orvo/Kin/ProgramSystem.h>
 #include <Orvo/Matrix43.h>
@@ -48,39 +46,6 @@ inline void SetParentPointer(Kin::Entity* entity, const Kin::Entity* parent) {
 inline std::list<Kin::Entity>& EntitiesOf(const Kin::Machine& machine) {
   Kin::Kinematic handle = machine.GetKinematic();
   return *(handle.*(&OpenKinematic::GetListEntityMod))();
-}
-
-// The kind of a link has no setter of its own beside the three of the interface. An explicit
-// instantiation may name a private member, which gives the tests the other kinds.
-struct LinkTypeMember {
-  using Type = Kin::EntityLinkType Kin::EntityLink::*;
-  friend Type PrivateMember(LinkTypeMember);
-};
-
-struct WorldEntityDirMember {
-  using Type = bool (Kin::MachineCompute::*)(const Kin::MachinePosition&, const Kin::Entity&,
-                                             Vector3D*);
-  friend Type PrivateMember(WorldEntityDirMember);
-};
-
-template <typename Tag, typename Tag::Type Member>
-struct OpenPrivateMember {
-  friend typename Tag::Type PrivateMember(Tag) { return Member; }
-};
-
-template struct OpenPrivateMember<LinkTypeMember, &Kin::EntityLink::type_>;
-template struct OpenPrivateMember<WorldEntityDirMember,
-                                  &Kin::MachineCompute::ComputeWorldEntityDir>;
-
-/// Gives a link any kind, values outside the enumeration included.
-inline void SetLinkType(Kin::EntityLink* link, int type) {
-  link->*PrivateMember(LinkTypeMember{}) = static_cast<Kin::EntityLinkType>(type);
-}
-
-/// Calls the calculator's own search for the world direction of an axis.
-inline bool ComputeWorldEntityDir(Kin::MachineCompute& compute, const Kin::MachinePosition& pos,
-                                  const Kin::Entity& entity, Vector3D* dir) {
-  return (compute.*PrivateMember(WorldEntityDirMember{}))(pos, entity, dir);
 }
 
 inline Matrix43 TranslationFrame(double x, double y, double z) {

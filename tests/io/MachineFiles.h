@@ -99,6 +99,7 @@ inline const Kin::Entity& EntityAt(const Kin::Machine& machine, int place) {
 struct OpenEntity : Kin::Entity {
   using Entity::SetEntityId;
   using Entity::SetEntityParallelType;
+  using Entity::SetEntityType;
 };
 
 struct OpenKinematic : Kin::Kinematic {
@@ -112,6 +113,14 @@ inline Kin::Entity& EntityModAt(const Kin::Machine& machine, int place) {
 
 inline void SetId(Kin::Entity& entity, int id) {
   (entity.*(&OpenEntity::SetEntityId))(Kin::EntityId(id));
+}
+
+inline void SetType(Kin::Entity& entity, int type) {
+  (entity.*(&OpenEntity::SetEntityType))(static_cast<Kin::EntityType>(type));
+}
+
+inline void SetParallelType(Kin::Entity& entity, int type) {
+  (entity.*(&OpenEntity::SetEntityParallelType))(static_cast<Kin::EntityParallelType>(type));
 }
 
 }  // namespace Orvo::Testing

@@ -1,4 +1,5 @@
 #include "MachineFiles.h"
+#include "support/PrivateMember.h"
 #include "support/TemporaryFolder.h"
 
 #include <Orvo/Kin/CollisionCheck.h>
@@ -13,8 +14,16 @@
 #include <cstdio>
 #include <limits>
 #include <string>
+#include <vector>
 
 namespace Orvo::Testing {
+
+struct LinkTypeOf {
+  using Type = Kin::EntityLinkType Kin::EntityLink::*;
+  friend Type MemberOf(LinkTypeOf);
+};
+template struct PrivateMember<LinkTypeOf, &Kin::EntityLink::type_>;
+
 namespace {
 
 using Kin::Entity;
@@ -45,7 +54,7 @@ TEST(MachineXmlWrite, WholeMachineByteForByte) {
   c->SetRange(-90, 1e22);
   c->GetEntityLinkMod()->SetZeroRef(0.1);
   c->GetEntityLinkMod()->SetZeroRef(1, 99);
-  (c->*(&OpenEntity::SetEntityParallelType))(Kin::EntityParallelTypeParallel);
+  SetParallelType(*c, Kin::EntityParallelTypeParallel);
   c->AllocEntityMesh()->AddMesh(new Mesh, 255);
   c->GetEntityMeshMod()->AddMesh(new Mesh, 0xFF000000U);
   machine.AddEntity()->AllocEntityMesh();
@@ -330,6 +339,28 @@ TEST(MachineXmlWrite, UnknownPolicyWritesNothing) {
     folder.Write("old.xml", "old");
     EXPECT_FALSE(machine.WriteXML(folder.Wide("old.xml")));
     EXPECT_EQ(folder.Read("old.xml"), "old");
+  }
+}
+
+// Values that no word names end the elements there; the other sections follow all the same.
+TEST(MachineXmlWrite, KindWithoutWordEndsTheElements) {
+  const auto build = [] {
+    Machine machine;
+    machine.AddEntityStatic(L"first", -1);
+    machine.AddEntityStatic(L"second", -1);
+    machine.AddEntityStatic(L"third", -1);
+    return machine;
+  };
+  std::vector<Machine> machines = {build(), build(), build()};
+  SetType(EntityModAt(machines[0], 1), 3);
+  SetParallelType(EntityModAt(machines[1], 1), -1);
+  EntityModAt(machines[2], 1).GetEntityLinkMod()->*MemberOf(LinkTypeOf{}) =
+      static_cast<Kin::EntityLinkType>(9);
+  for (Machine& machine : machines) {
+    const std::string text = WrittenText(machine);
+    EXPECT_THAT(text, HasSubstr("<Name>first</Name>"));
+    EXPECT_THAT(text, Not(HasSubstr("<Name>third</Name>")));
+    EXPECT_THAT(text, HasSubstr("    <ProgramSystems/>\n    <CollisionCheck/>\n</Machine>\n"));
   }
 }
 
