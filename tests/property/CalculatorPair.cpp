@@ -141,6 +141,10 @@ Vector AnyTarget(Draw& draw, const Machine& machine, const RotaryRequest& reques
     const double distance = std::pow(10.0, draw.Uniform(-9.0, -2.0));
     out = Reference::Sum(out, Reference::Scaled(UnitDirection(draw), distance));
   }
+  if (what < 6 && draw.Chance(0.3)) {
+    // Beside it, about as far as what counts as the same.
+    out = Reference::Sum(out, Reference::Scaled(UnitDirection(draw), draw.Uniform(0.0, 2e-5)));
+  }
   if (draw.Chance(0.1)) {
     out = Reference::Scaled(out, draw.Uniform(0.1, 3.0));
   }
@@ -187,7 +191,13 @@ LinearRequest AnyLinearRequest(Draw& draw, const Machine& machine) {
   return out;
 }
 
+Kin::MachineCompute& CalculatorPair::Handle() {
+  takesHandle_ = !takesHandle_;
+  return takesHandle_ ? handle_ : calculator_;
+}
+
 void CalculatorPair::ExpectSameError() {
+  EXPECT_EQ(handle_.GetLastError(), twin_.GetLastError());
   EXPECT_EQ(calculator_.GetLastError(), twin_.GetLastError());
 }
 
@@ -202,15 +212,14 @@ void CalculatorPair::RelativePosition(Draw& draw) {
   const int reg = draw.Chance(0.8) ? element.reg : draw.Int(-3, 9);
   const Position pos = AnyPosition(draw, machines_.twin.registerNb);
   if (draw.Chance(0.02)) {
-    EXPECT_EQ(
-        calculator_.ComputeRelativePosition(entity.GetEntityLink(), reg, ToOrvo(pos), nullptr),
-        twin_.RelativePosition(element.link, reg, pos, nullptr));
+    EXPECT_EQ(Handle().ComputeRelativePosition(entity.GetEntityLink(), reg, ToOrvo(pos), nullptr),
+              twin_.RelativePosition(element.link, reg, pos, nullptr));
     ExpectSameError();
     return;
   }
   Frame expected = draw.Chance(0.5) ? Frame() : AnyFrame(draw);
   Matrix43 frame = ToOrvo(expected);
-  EXPECT_EQ(calculator_.ComputeRelativePosition(entity.GetEntityLink(), reg, ToOrvo(pos), &frame),
+  EXPECT_EQ(Handle().ComputeRelativePosition(entity.GetEntityLink(), reg, ToOrvo(pos), &frame),
             twin_.RelativePosition(element.link, reg, pos, &expected));
   EXPECT_TRUE(SameBits(frame, expected)) << "element " << element.id << "\n" << Text(pos);
   ExpectSameError();
@@ -226,14 +235,14 @@ void CalculatorPair::PositionEntity(Draw& draw) {
       *std::next(machines_.machine.GetKinematic().GetListEntity().begin(), place);
   const Position pos = AnyPosition(draw, machines_.twin.registerNb);
   if (draw.Chance(0.02)) {
-    EXPECT_EQ(calculator_.ComputePositionEntity(entity, ToOrvo(pos), nullptr),
+    EXPECT_EQ(Handle().ComputePositionEntity(entity, ToOrvo(pos), nullptr),
               twin_.PositionElement(element, pos, nullptr));
     ExpectSameError();
     return;
   }
   Frame expected = draw.Chance(0.5) ? Frame() : AnyFrame(draw);
   Matrix43 frame = ToOrvo(expected);
-  EXPECT_EQ(calculator_.ComputePositionEntity(entity, ToOrvo(pos), &frame),
+  EXPECT_EQ(Handle().ComputePositionEntity(entity, ToOrvo(pos), &frame),
             twin_.PositionElement(element, pos, &expected));
   EXPECT_TRUE(SameBits(frame, expected)) << "element " << element.id << "\n" << Text(pos);
   ExpectSameError();
@@ -242,7 +251,7 @@ void CalculatorPair::PositionEntity(Draw& draw) {
 void CalculatorPair::PositionMachine(Draw& draw) {
   const Position pos = AnyPosition(draw, machines_.twin.registerNb);
   if (draw.Chance(0.02)) {
-    EXPECT_EQ(calculator_.ComputePositionMachine(ToOrvo(pos), nullptr),
+    EXPECT_EQ(Handle().ComputePositionMachine(ToOrvo(pos), nullptr),
               twin_.PositionMachine(pos, nullptr));
     ExpectSameError();
     return;
@@ -257,7 +266,7 @@ void CalculatorPair::PositionMachine(Draw& draw) {
       frames_.push_back(ToOrvo(filler));
     }
   }
-  EXPECT_EQ(calculator_.ComputePositionMachine(ToOrvo(pos), &frames_),
+  EXPECT_EQ(Handle().ComputePositionMachine(ToOrvo(pos), &frames_),
             twin_.PositionMachine(pos, &twinFrames_));
   ASSERT_EQ(frames_.size(), twinFrames_.size());
   for (std::size_t i = 0; i < frames_.size(); ++i) {
@@ -272,14 +281,14 @@ void CalculatorPair::McsToToolTcs(Draw& draw) {
   const int table = AnyIndex(draw);
   const Vector offset = draw.Chance(0.3) ? Vector() : Point(draw);
   if (draw.Chance(0.02)) {
-    EXPECT_EQ(calculator_.ComputeMcsToToolTcs(ToOrvo(pos), head, table, ToOrvo(offset), nullptr),
+    EXPECT_EQ(Handle().ComputeMcsToToolTcs(ToOrvo(pos), head, table, ToOrvo(offset), nullptr),
               twin_.McsToToolTcs(pos, head, table, offset, nullptr));
     ExpectSameError();
     return;
   }
   Frame expected = draw.Chance(0.5) ? Frame() : AnyFrame(draw);
   Matrix43 frame = ToOrvo(expected);
-  EXPECT_EQ(calculator_.ComputeMcsToToolTcs(ToOrvo(pos), head, table, ToOrvo(offset), &frame),
+  EXPECT_EQ(Handle().ComputeMcsToToolTcs(ToOrvo(pos), head, table, ToOrvo(offset), &frame),
             twin_.McsToToolTcs(pos, head, table, offset, &expected));
   EXPECT_TRUE(SameBits(frame, expected)) << "head " << head << ", table " << table << "\n"
                                          << Text(pos) << Text(offset);
@@ -294,8 +303,8 @@ void CalculatorPair::Rotaries(const RotaryRequest& request) {
   solution.Count = 7;
   solution.Alpha1 = Angle(1.5);
   EXPECT_EQ(
-      calculator_.ComputeToolIjkTcsToMcsAbc(ToOrvo(request.pos), request.head, request.table,
-                                            ToOrvo(request.ijk), request.r0, request.r1, &solution),
+      Handle().ComputeToolIjkTcsToMcsAbc(ToOrvo(request.pos), request.head, request.table,
+                                         ToOrvo(request.ijk), request.r0, request.r1, &solution),
       twin_.SolveRotaries(request.pos, request.head, request.table, request.ijk, request.r0,
                           request.r1, &expected))
       << Text(request);
@@ -306,10 +315,10 @@ void CalculatorPair::Rotaries(const RotaryRequest& request) {
 void CalculatorPair::Linear(const LinearRequest& request) {
   Vector expected = {11.0, 12.0, 13.0, 14.0};
   Vector3D xyz = ToOrvo(expected);
-  EXPECT_EQ(calculator_.ComputeToolTcsToMcsXyz(ToOrvo(request.pos), request.head, request.table,
-                                               ToOrvo(request.offset), request.registers[0],
-                                               request.registers[1], request.registers[2],
-                                               ToOrvo(request.point), &xyz),
+  EXPECT_EQ(Handle().ComputeToolTcsToMcsXyz(ToOrvo(request.pos), request.head, request.table,
+                                            ToOrvo(request.offset), request.registers[0],
+                                            request.registers[1], request.registers[2],
+                                            ToOrvo(request.point), &xyz),
             twin_.SolveLinear(request.pos, request.head, request.table, request.offset,
                               request.registers, request.point, &expected))
       << Text(request);

@@ -38,7 +38,10 @@ struct LinearRequest {
 class CalculatorPair {
  public:
   explicit CalculatorPair(const MachinePair& machines)
-      : machines_(machines), calculator_(machines.machine), twin_(machines.twin) {}
+      : machines_(machines),
+        calculator_(machines.machine),
+        handle_(calculator_),
+        twin_(machines.twin) {}
 
   void RelativePosition(Draw& draw);
   void PositionEntity(Draw& draw);
@@ -48,10 +51,15 @@ class CalculatorPair {
   void Linear(const LinearRequest& request);
 
  private:
+  /// The calculator and a copy of it in turn: both are handles on the same one.
+  Kin::MachineCompute& Handle();
+
   void ExpectSameError();
 
   const MachinePair& machines_;
   Kin::MachineCompute calculator_;
+  Kin::MachineCompute handle_;
+  bool takesHandle_ = false;
   Reference::Calculator twin_;
   std::vector<Matrix43> frames_;
   std::vector<Reference::Frame> twinFrames_;

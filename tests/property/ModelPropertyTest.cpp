@@ -5,6 +5,8 @@
 #include "property/MachineCompare.h"
 #include "property/RandomGeometry.h"
 #include "property/RandomMachine.h"
+#include "property/TemporaryFile.h"
+#include "property/reference/MachineText.h"
 #include "property/reference/Model.h"
 
 #include <Orvo/Kin/CollisionCheck.h>
@@ -15,6 +17,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 
@@ -217,6 +220,54 @@ TEST(MachineProperty, AddsCopiesAsTheTwinDoes) {
     if (::testing::Test::HasFailure()) {
       ADD_FAILURE() << source.Text();
     }
+  });
+}
+
+// A number that would make a lookup table too large is refused before anything changes.
+TEST(MachineProperty, RefusesLargeRegistersUnchanged) {
+  ForCases(2000, [](Draw& draw) {
+    MachinePlan plan = AnyPlan(draw);
+    plan.fromFile = false;
+    MachinePair pair(plan);
+    if (pair.entities.empty()) {
+      return;
+    }
+    const int place = draw.Int(0, static_cast<int>(pair.entities.size()) - 1);
+    const int reg = draw.Chance(0.5) ? 16777216 : draw.Int(16777216, 2147483647);
+    pair.entities[static_cast<std::size_t>(place)]->SetRegister(reg);
+    std::next(pair.twin.elements.begin(), place)->reg = reg;
+    try {
+      pair.machine.Finish();
+      ADD_FAILURE() << "no exception for " << reg;
+    } catch (const std::length_error& e) {
+      EXPECT_STREQ(e.what(), "Machine::Finish : register out of range");
+    }
+    ExpectSameMachine(pair.machine, pair.twin);
+  });
+}
+
+TEST(MachineProperty, RefusesLargeIds) {
+  ForCases(500, [](Draw& draw) {
+    MachinePlan plan = SoundPlan(draw);
+    plan.fromFile = true;
+    const int id = draw.Chance(0.5) ? 16777216 : draw.Int(16777216, 2147483647);
+    plan.elements[static_cast<std::size_t>(draw.Int(0, static_cast<int>(plan.elements.size()) - 1))]
+        .id = id;
+    Reference::Machine source;
+    Make(plan, &source);
+    std::string text;
+    ASSERT_TRUE(Reference::WriteText(source, &text));
+    const TemporaryFile file(text);
+    Kin::Machine machine;
+    try {
+      machine.ReadXML(file.Path());
+      ADD_FAILURE() << "no exception for " << id;
+    } catch (const std::length_error& e) {
+      EXPECT_STREQ(e.what(), "Machine::Finish : identifier out of range");
+    }
+    EXPECT_EQ(machine.GetKinematic().GetListEntity().size(), source.elements.size());
+    EXPECT_EQ(machine.GetEntityIdMax().GetVal(), -1);
+    EXPECT_EQ(machine.GetRegisterNb().GetVal(), -1);
   });
 }
 

@@ -173,7 +173,7 @@ void RotaryRange(Draw& draw, ElementPlan* e) {
         return Reference::RadiansToDegrees(draw.Chance(0.5) ? radians : -radians);
       };
       const double min = draw.Int(-12, 12) * 15.0;
-      SetRange(e, min + move(), min + draw.Int(0, 24) * 15.0 + move());
+      SetRange(e, min + move(), min + draw.Int(0, 48) * 15.0 + move());
       break;
     }
     case 0:
