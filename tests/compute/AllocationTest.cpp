@@ -1,4 +1,5 @@
 #include "SmallMachines.h"
+#include "support/CountedMemory.h"
 
 #include <Orvo/Kin/MachineCompute.h>
 #include <Orvo/Kin/ProgramSystem.h>
@@ -9,49 +10,8 @@
 
 #include <cmath>
 #include <cstddef>
-#include <cstdlib>
 #include <new>
 #include <vector>
-
-namespace {
-
-// Counts every request for memory of this program. One thread: plain numbers will do.
-std::size_t allocationNb = 0;
-
-// The request, by its number, that is refused.
-constexpr std::size_t NoRefusal = static_cast<std::size_t>(-1);
-std::size_t refusedAllocation = NoRefusal;
-
-void* Allocate(std::size_t size, std::size_t alignment) {
-  if (allocationNb++ == refusedAllocation) {
-    throw std::bad_alloc();
-  }
-  void* memory = nullptr;
-  if (posix_memalign(&memory, alignment < sizeof(void*) ? sizeof(void*) : alignment,
-                     size == 0 ? 1 : size) != 0) {
-    throw std::bad_alloc();
-  }
-  return memory;
-}
-
-}  // namespace
-
-void* operator new(std::size_t size) { return Allocate(size, alignof(std::max_align_t)); }
-void* operator new[](std::size_t size) { return Allocate(size, alignof(std::max_align_t)); }
-void* operator new(std::size_t size, std::align_val_t alignment) {
-  return Allocate(size, static_cast<std::size_t>(alignment));
-}
-void* operator new[](std::size_t size, std::align_val_t alignment) {
-  return Allocate(size, static_cast<std::size_t>(alignment));
-}
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete[](void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete(void* memory, std::align_val_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::align_val_t) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t, std::align_val_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::size_t, std::align_val_t) noexcept { std::free(memory); }
 
 namespace Orvo::Testing {
 namespace {
@@ -63,14 +23,6 @@ using Kin::ProgramSystem;
 using Kin::ProgramSystemCompute;
 using Kin::RotariesSolution;
 
-// Returns the number of allocations of a call.
-template <typename Call>
-std::size_t AllocationsOf(Call call) {
-  const std::size_t before = allocationNb;
-  call();
-  return allocationNb - before;
-}
-
 // Makes a call again and again, with its first allocation refused, then its second, and so on until
 // none is. Returns how many times it failed.
 template <typename Prepare, typename Call>
@@ -78,13 +30,13 @@ int RefuseEachAllocationOf(Prepare prepare, Call call) {
   for (int refused = 0;; ++refused) {
     auto subject = prepare();
     bool isWhole = true;
-    refusedAllocation = allocationNb + static_cast<std::size_t>(refused);
+    RefuseAllocation(static_cast<std::size_t>(refused));
     try {
       call(subject, false);
     } catch (const std::bad_alloc&) {
       isWhole = false;
     }
-    refusedAllocation = NoRefusal;
+    AllowAllocations();
     if (isWhole) {
       return refused;
     }

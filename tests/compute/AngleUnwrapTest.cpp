@@ -1,3 +1,4 @@
+#include "RepeatedAddition.h"
 #include "compute/AngleUnwrap.h"
 #include "support/SameBits.h"
 #include "support/TestRandom.h"
@@ -19,36 +20,6 @@ constexpr double Infinity = std::numeric_limits<double>::infinity();
 constexpr double NotANumber = std::numeric_limits<double>::quiet_NaN();
 
 double Rad(double degrees) { return degrees / 180.0 * Pi; }
-double Deg(double radians) { return radians * 180.0 / Pi; }
-
-// The repeated addition as it is defined, and nothing else.
-double ByRepeatedAddition(double r, double reference) {
-  const double ref = Deg(reference);
-  while (std::fabs(Deg(r) - ref) > std::fabs(Deg(r) + 360.0 - ref)) {
-    r = TwoPi + r;
-  }
-  while (std::fabs(Deg(r) - ref) > std::fabs(Deg(r) - 360.0 - ref)) {
-    r = r - TwoPi;
-  }
-  return r;
-}
-
-double ByRepeatedAddition(double r, double reference, double min, double max) {
-  r = ByRepeatedAddition(r, reference);
-  while (r < min - 0.0001) {
-    r = r + TwoPi;
-  }
-  while (r > max + 0.0001) {
-    r = r - TwoPi;
-  }
-  if (r > max && r < max + 0.01) {
-    r = max;
-  }
-  if (r < min && r > min - 0.01) {
-    r = min;
-  }
-  return r;
-}
 
 TEST(ClosestAngle, GoesToTheEquivalentNearestTheReference) {
   struct Case {
@@ -63,7 +34,7 @@ TEST(ClosestAngle, GoesToTheEquivalentNearestTheReference) {
       {0, 179, 0},       {0, 181, 360},   {0, -181, -360},
   };
   for (const Case& c : cases) {
-    EXPECT_NEAR(Deg(ClosestAngle(Rad(c.angleDeg), Rad(c.referenceDeg))), c.expectedDeg, 1e-9)
+    EXPECT_NEAR(DegreesOf(ClosestAngle(Rad(c.angleDeg), Rad(c.referenceDeg))), c.expectedDeg, 1e-9)
         << c.angleDeg << " " << c.referenceDeg;
   }
 }
@@ -118,7 +89,7 @@ TEST(ClosestAngle, FarAwayGoesNearToo) {
     const double angle = random.Real(-size, size);
     const double reference = random.Chance(0.5) ? random.Real(-4, 4) : random.Real(-size, size);
     const double result = ClosestAngle(angle, reference);
-    ASSERT_LE(std::fabs(Deg(result) - Deg(reference)), 180.0 + 1e-13 * Deg(size))
+    ASSERT_LE(std::fabs(DegreesOf(result) - DegreesOf(reference)), 180.0 + 1e-13 * DegreesOf(size))
         << HexText(angle) << " " << HexText(reference);
     // The same angle but for whole turns, within what doubles of that size can tell.
     const double turns = (result - angle) / TwoPi;
@@ -170,22 +141,22 @@ TEST(ClosestAngle, InfiniteAndUndefinedNumbersStay) {
 }
 
 TEST(ClosestAngleInRange, GoesToTheEquivalentNearestTheReference) {
-  EXPECT_NEAR(Deg(ClosestAngle(Rad(300), 0, Rad(-90), Rad(90))), -60, 1e-9);
-  EXPECT_NEAR(Deg(ClosestAngle(Rad(300), Rad(350), Rad(-360), Rad(360))), 300, 1e-9);
+  EXPECT_NEAR(DegreesOf(ClosestAngle(Rad(300), 0, Rad(-90), Rad(90))), -60, 1e-9);
+  EXPECT_NEAR(DegreesOf(ClosestAngle(Rad(300), Rad(350), Rad(-360), Rad(360))), 300, 1e-9);
 }
 
 TEST(ClosestAngleInRange, LeavesTheNearestForOneInTheRange) {
   // Nearest to 0 is -60, but the range starts at 0.
-  EXPECT_NEAR(Deg(ClosestAngle(Rad(300), 0, 0, Rad(360))), 300, 1e-9);
+  EXPECT_NEAR(DegreesOf(ClosestAngle(Rad(300), 0, 0, Rad(360))), 300, 1e-9);
   // Nearest to 350 is 370, but the range ends at 360.
-  EXPECT_NEAR(Deg(ClosestAngle(Rad(10), Rad(350), 0, Rad(360))), 10, 1e-9);
-  EXPECT_NEAR(Deg(ClosestAngle(Rad(0), 0, Rad(1000), Rad(2000))), 1080, 1e-9);
-  EXPECT_NEAR(Deg(ClosestAngle(Rad(0), 0, Rad(-2000), Rad(-1000))), -1080, 1e-9);
+  EXPECT_NEAR(DegreesOf(ClosestAngle(Rad(10), Rad(350), 0, Rad(360))), 10, 1e-9);
+  EXPECT_NEAR(DegreesOf(ClosestAngle(Rad(0), 0, Rad(1000), Rad(2000))), 1080, 1e-9);
+  EXPECT_NEAR(DegreesOf(ClosestAngle(Rad(0), 0, Rad(-2000), Rad(-1000))), -1080, 1e-9);
 }
 
 TEST(ClosestAngleInRange, NarrowRangeMayBeMissed) {
-  EXPECT_NEAR(Deg(ClosestAngle(Rad(90), 0, Rad(-10), Rad(10))), -270, 1e-9);
-  EXPECT_NEAR(Deg(ClosestAngle(Rad(-90), 0, Rad(-10), Rad(10))), -90, 1e-9);
+  EXPECT_NEAR(DegreesOf(ClosestAngle(Rad(90), 0, Rad(-10), Rad(10))), -270, 1e-9);
+  EXPECT_NEAR(DegreesOf(ClosestAngle(Rad(-90), 0, Rad(-10), Rad(10))), -90, 1e-9);
 }
 
 TEST(ClosestAngleInRange, UpToOneTenThousandthAboveTheMaximumIsSetToIt) {

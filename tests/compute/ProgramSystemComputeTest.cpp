@@ -1,3 +1,4 @@
+#include "RepeatedAddition.h"
 #include "SmallMachines.h"
 #include "support/NearVector.h"
 #include "support/SameBits.h"
@@ -30,7 +31,6 @@ using Kin::RotariesCompute;
 using Kin::RotariesSolution;
 
 constexpr double Pi = 3.141592653589793;
-constexpr double TwoPi = 6.283185307179586;
 
 // ijk leans 30 degrees towards x: the head machine has c = -90, a = -30 and c = 90, a = 30.
 const Vector3D Leaning(0.5, 0, std::sqrt(0.75));
@@ -343,36 +343,6 @@ TEST(ShortestWay, RegisterThatNoElementIsFoundByIsUnwrappedWithoutRange) {
             PositionOf({0, 0, 0, 0, 0, 0, 380, 350}), Leaning);
   EXPECT_EQ(sol.Count, 2U);
   ExpectDegrees(sol, 450, 390, 270, 330);
-}
-
-double Deg(double radians) { return radians * 180.0 / Pi; }
-
-double ByRepeatedAddition(double r, double reference) {
-  const double ref = Deg(reference);
-  while (std::fabs(Deg(r) - ref) > std::fabs(Deg(r) + 360.0 - ref)) {
-    r = TwoPi + r;
-  }
-  while (std::fabs(Deg(r) - ref) > std::fabs(Deg(r) - 360.0 - ref)) {
-    r = r - TwoPi;
-  }
-  return r;
-}
-
-double ByRepeatedAddition(double r, double reference, double min, double max) {
-  r = ByRepeatedAddition(r, reference);
-  while (r < min - 0.0001) {
-    r = r + TwoPi;
-  }
-  while (r > max + 0.0001) {
-    r = r - TwoPi;
-  }
-  if (r > max && r < max + 0.01) {
-    r = max;
-  }
-  if (r < min && r > min - 0.01) {
-    r = min;
-  }
-  return r;
 }
 
 // The choice step by step, as it is defined.

@@ -1,5 +1,6 @@
 #include "MachineFiles.h"
 #include "StlBytes.h"
+#include "support/CountedMemory.h"
 #include "support/TemporaryFolder.h"
 
 #include <Orvo/Kin/EntityMesh.h>
@@ -9,48 +10,9 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
-#include <cstdlib>
 #include <memory>
 #include <new>
 #include <string>
-
-namespace {
-
-// The number of requests for memory so far, and that of the one that is refused.
-std::size_t allocationNb = 0;
-constexpr std::size_t NoRefusal = static_cast<std::size_t>(-1);
-std::size_t refusedAllocation = NoRefusal;
-
-void* Allocate(std::size_t size, std::size_t alignment) {
-  if (allocationNb++ == refusedAllocation) {
-    throw std::bad_alloc();
-  }
-  void* memory = nullptr;
-  if (posix_memalign(&memory, alignment < sizeof(void*) ? sizeof(void*) : alignment,
-                     size == 0 ? 1 : size) != 0) {
-    throw std::bad_alloc();
-  }
-  return memory;
-}
-
-}  // namespace
-
-void* operator new(std::size_t size) { return Allocate(size, alignof(std::max_align_t)); }
-void* operator new[](std::size_t size) { return Allocate(size, alignof(std::max_align_t)); }
-void* operator new(std::size_t size, std::align_val_t alignment) {
-  return Allocate(size, static_cast<std::size_t>(alignment));
-}
-void* operator new[](std::size_t size, std::align_val_t alignment) {
-  return Allocate(size, static_cast<std::size_t>(alignment));
-}
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete[](void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete(void* memory, std::align_val_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::align_val_t) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t, std::align_val_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::size_t, std::align_val_t) noexcept { std::free(memory); }
 
 namespace Orvo::Testing {
 namespace {
@@ -64,14 +26,13 @@ template <typename Call, typename Check>
 int RefuseEachAllocationOf(Call call, Check check) {
   for (int refused = 0;; ++refused) {
     bool isWhole = true;
-    refusedAllocation = allocationNb + static_cast<std::size_t>(refused);
+    RefuseAllocation(static_cast<std::size_t>(refused));
     try {
       call();
     } catch (const std::bad_alloc&) {
       isWhole = false;
     }
-    const bool isRefused = allocationNb > refusedAllocation;
-    refusedAllocation = NoRefusal;
+    const bool isRefused = AllowAllocations();
     if (!isRefused) {
       EXPECT_TRUE(isWhole);
       return refused;

@@ -1,3 +1,5 @@
+#include "support/CountedMemory.h"
+
 #include <Orvo/Kin/CollisionCheck.h>
 #include <Orvo/Kin/EntityMesh.h>
 #include <Orvo/Kin/Kinematic.h>
@@ -8,65 +10,33 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
-#include <cstdlib>
 #include <list>
 #include <memory>
 #include <new>
 #include <string>
-
-// Every allocation of this program passes here, and fails on request.
-
-namespace {
-
-constexpr int Unlimited = -1;
-
-int allocationsLeft = Unlimited;
-
-void* Allocate(std::size_t size) {
-  if (allocationsLeft == 0) {
-    throw std::bad_alloc();
-  }
-  if (allocationsLeft > 0) {
-    --allocationsLeft;
-  }
-  void* const memory = std::malloc(size == 0 ? 1 : size);
-  if (memory == nullptr) {
-    throw std::bad_alloc();
-  }
-  return memory;
-}
-
-}  // namespace
-
-void* operator new(std::size_t size) { return Allocate(size); }
-void* operator new[](std::size_t size) { return Allocate(size); }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete[](void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace Orvo::Kin {
 namespace {
 
 const std::wstring LongName(100, L'n');
 
-/// Runs an operation with room for ever more allocations until it succeeds; it must fail at least
-/// once. After each failure `check` looks at what is left, which then goes.
+/// Runs an operation with its first allocation refused, then its second, until it succeeds; it must
+/// fail at least once. After each failure `check` looks at what is left, which then goes.
 template <typename MakeSubject, typename Operation, typename Check>
 void FailEachAllocation(MakeSubject makeSubject, Operation operation, Check check) {
-  for (int allowed = 0; allowed < 1000; ++allowed) {
+  for (std::size_t allowed = 0; allowed < 1000; ++allowed) {
     SCOPED_TRACE(testing::Message() << allowed << " allocations succeed");
     auto subject = makeSubject();
     bool failed = false;
-    allocationsLeft = allowed;
+    Testing::RefuseAllocation(allowed);
     try {
       operation(*subject);
     } catch (const std::bad_alloc&) {
       failed = true;
     }
-    allocationsLeft = Unlimited;
+    Testing::AllowAllocations();
     if (!failed) {
-      EXPECT_GT(allowed, 0) << "nothing was allocated";
+      EXPECT_GT(allowed, 0U) << "nothing was allocated";
       return;
     }
     check(*subject);
