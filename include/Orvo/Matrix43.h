@@ -169,6 +169,7 @@ class ORVO_API Matrix43 {
   bool IsSame(const Matrix43& other, double tol) const;
 
   /// Returns 1 when all 16 doubles are exactly equal, else 0. The kinds are not compared.
+  /// There is no `!=`: write `!(a == b)`, since `a != b` compares addresses in C++17.
   int operator==(const Matrix43& other) const;
 
   /// Replaces @p out by the text of the four columns with three decimals. Null is ignored.

@@ -95,6 +95,7 @@ class ORVO_API Vector3D {
   double operator[](int i) const { return components_[i]; }
 
   /// Returns 1 when x, y and z are exactly equal, else 0. NaN equals nothing.
+  /// There is no `!=`: write `!(a == b)`, since `a != b` compares addresses in C++17.
   int operator==(const Vector3D& other) const;
 
   /// Returns the lane-wise sum.
