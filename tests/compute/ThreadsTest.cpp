@@ -5,12 +5,14 @@
 #include <Orvo/Kin/ProgramSystem.h>
 #include <Orvo/Kin/ProgramSystemCompute.h>
 #include <Orvo/Kin/RotariesSolution.h>
+#include <Orvo/Mesh.h>
 
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <cmath>
 #include <cstddef>
+#include <mutex>
 #include <thread>
 #include <vector>
 
@@ -166,6 +168,76 @@ TEST(Threads, MachinesAreBuiltAtTheSameTime) {
     }
   });
   EXPECT_EQ(solved.load(), ThreadNb * 20);
+}
+
+// Copies of a machine share its elements. Whichever copy goes last takes them with it.
+TEST(Threads, HandlesOnOneMachineComeAndGo) {
+  for (int round = 0; round < 20; ++round) {
+    std::vector<Machine> handles(ThreadNb, HeadTableMachine());
+    std::atomic<int> agreed{0};
+    RunTogether([&](int thread) {
+      const Machine own = handles[static_cast<std::size_t>(thread)];
+      handles[static_cast<std::size_t>(thread)] = Machine();
+      const Kin::Kinematic kinematic = own.GetKinematic();
+      const ProgramSystem ps = own.GetListProgramSystem().front();
+      MachineCompute compute(own);
+      ProgramSystemCompute solver(own, NewProgramSystem());
+      const bool isWhole = kinematic.GetEntityHead(0) == own.GetKinematic().GetEntityHead(0) &&
+                           ps.GetHeadIndex().IsDefined() &&
+                           !Results(compute, solver, thread).empty();
+      agreed += isWhole ? 1 : 0;
+    });
+    EXPECT_EQ(agreed.load(), ThreadNb);
+  }
+}
+
+// Copies of a mesh share its arrays.
+TEST(Threads, HandlesOnOneMeshComeAndGo) {
+  for (int round = 0; round < 20; ++round) {
+    Mesh first;
+    Vector3D* const vertices = first.AllocTabVertices(3);
+    vertices[2] = AxisZ;
+    std::vector<Mesh> handles(ThreadNb, first);
+    first = Mesh();
+    std::atomic<int> agreed{0};
+    RunTogether([&](int thread) {
+      Mesh own = handles[static_cast<std::size_t>(thread)];
+      handles[static_cast<std::size_t>(thread)] = Mesh();
+      const Mesh copy = own;
+      own = Mesh();
+      agreed += copy.GetDimVertices() == 3 && copy.GetTabVertices()[2] == AxisZ ? 1 : 0;
+    });
+    EXPECT_EQ(agreed.load(), ThreadNb);
+  }
+}
+
+// Handles on one calculator share its caches and its last error; threads may pass it around, one
+// at a time.
+TEST(Threads, HandlesOnOneCalculatorTakeTurns) {
+  const Machine machine = HeadTableMachine();
+  const ProgramSystem ps = NewProgramSystem();
+  MachineCompute compute(machine);
+  ProgramSystemCompute solver(machine, ps);
+  std::vector<std::vector<double>> expected;
+  for (int step = 0; step < RoundNb; ++step) {
+    expected.push_back(Results(compute, solver, step));
+  }
+  std::mutex turn;
+  int agreed = 0;
+  RunTogether([&](int) {
+    for (int step = 0; step < RoundNb; ++step) {
+      const std::lock_guard<std::mutex> mine(turn);
+      MachineCompute handle(compute);
+      ProgramSystemCompute solverHandle(solver);
+      const std::vector<double> results = Results(handle, solverHandle, step);
+      const std::vector<double>& wanted = expected[static_cast<std::size_t>(step)];
+      agreed += results.size() == wanted.size() &&
+                        SameBits(results.data(), wanted.data(), wanted.size(), "the results'")
+                    ? 1
+                    : 0;
+    }
+  });
+  EXPECT_EQ(agreed, ThreadNb * RoundNb);
 }
 
 }  // namespace
