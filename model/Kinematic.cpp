@@ -26,11 +26,11 @@ Kinematic::~Kinematic() = default;
 const std::list<Entity>& Kinematic::GetListEntity() const { return implementation_->entities; }
 
 const Entity* Kinematic::GetEntity(const EntityId& id) const {
-  return At(implementation_->byEntityId, id.GetVal());
+  return implementation_->byEntityId.At(id.GetVal());
 }
 
 const Entity* Kinematic::GetEntity(const Register& reg) const {
-  return At(implementation_->byRegister, reg.GetVal());
+  return implementation_->byRegister.At(reg.GetVal());
 }
 
 const Entity* Kinematic::GetEntityHead(const HeadIndex& head) const {
@@ -44,11 +44,11 @@ const Entity* Kinematic::GetEntityTable(const TableIndex& table) const {
 std::list<Entity>* Kinematic::GetListEntityMod() { return &implementation_->entities; }
 
 std::vector<const Entity*>* Kinematic::GetVectorSortedByEntityIdMod() {
-  return &implementation_->byEntityId;
+  return implementation_->byEntityId.AsVector();
 }
 
 std::vector<const Entity*>* Kinematic::GetVectorSortedByRegisterMod() {
-  return &implementation_->byRegister;
+  return implementation_->byRegister.AsVector();
 }
 
 std::vector<const Entity*>* Kinematic::GetVectorHeadMod() { return &implementation_->heads; }

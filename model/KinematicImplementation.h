@@ -1,5 +1,7 @@
 #pragma once
 
+#include "model/PlaceTable.h"
+
 #include <Orvo/Kin/Entity.h>
 
 #include <list>
@@ -19,8 +21,8 @@ struct KinematicImplementation {
   // Pointers into the list, filled by Machine::Finish.
   std::vector<const Entity*> tables;
   std::vector<const Entity*> heads;
-  std::vector<const Entity*> byEntityId;
-  std::vector<const Entity*> byRegister;
+  PlaceTable byEntityId;
+  PlaceTable byRegister;
 };
 
 }  // namespace Orvo::Kin

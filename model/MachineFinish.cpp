@@ -1,3 +1,4 @@
+#include "model/KinematicImplementation.h"
 #include "model/ParentForest.h"
 
 #include <Orvo/Kin/Machine.h>
@@ -13,7 +14,7 @@ namespace {
 
 using EntityTable = std::vector<const Entity*>;
 
-// Ids and registers are places in tables: this bounds each table to 128 MB.
+// Ids and registers are places in tables: this bounds each table to 128 MB of addresses.
 constexpr int LargestPlace = 16777215;
 
 constexpr int SmallestLinearAxesNb = 3;
@@ -40,12 +41,13 @@ Extent MeasureExtent(const std::list<Entity>& entities) {
 
 // Places the elements at their ids or registers; of equal ones the last in the list stays.
 template <typename GetPlace>
-EntityTable MakeTable(const std::list<Entity>& entities, int size, GetPlace getPlace) {
-  EntityTable table(static_cast<std::size_t>(size), nullptr);
+PlaceTable MakeTable(const std::list<Entity>& entities, int size, bool isVector,
+                     GetPlace getPlace) {
+  PlaceTable table(static_cast<std::size_t>(size), isVector);
   for (const Entity& entity : entities) {
     const int place = getPlace(entity);
     if (place >= 0) {
-      table[static_cast<std::size_t>(place)] = &entity;
+      table.Set(static_cast<std::size_t>(place), &entity);
     }
   }
   return table;
@@ -104,16 +106,17 @@ ProgramSystem MakeDefaultProgramSystem(const std::list<Entity>& entities) {
 }  // namespace
 
 bool Machine::Finish() {
-  std::list<Entity>& entities = *kinematic_.GetListEntityMod();
+  KinematicImplementation& store = *kinematic_.implementation_;
+  std::list<Entity>& entities = store.entities;
 
   // Everything that may throw comes first; the machine changes only after it.
   const Extent extent = MeasureExtent(entities);
-  EntityTable byEntityId = MakeTable(entities, extent.entityIdMax + 1, [](const Entity& entity) {
-    return entity.GetEntityId().GetVal();
-  });
-  EntityTable byRegister = MakeTable(entities, extent.registerMax + 1, [](const Entity& entity) {
-    return entity.GetRegister().GetVal();
-  });
+  PlaceTable byEntityId =
+      MakeTable(entities, extent.entityIdMax + 1, store.byEntityId.IsVector(),
+                [](const Entity& entity) { return entity.GetEntityId().GetVal(); });
+  PlaceTable byRegister =
+      MakeTable(entities, extent.registerMax + 1, store.byRegister.IsVector(),
+                [](const Entity& entity) { return entity.GetRegister().GetVal(); });
   EntityTable tables = CollectType(entities, EntityTypeTable);
   EntityTable heads = CollectType(entities, EntityTypeHead);
   std::list<ProgramSystem> defaultProgramSystem;
@@ -130,10 +133,10 @@ bool Machine::Finish() {
   registerNb_ = Register(extent.registerMax + 1);
   tableNb_ = TableIndex(static_cast<int>(tables.size()));
   headNb_ = HeadIndex(static_cast<int>(heads.size()));
-  kinematic_.GetVectorSortedByEntityIdMod()->swap(byEntityId);
-  kinematic_.GetVectorSortedByRegisterMod()->swap(byRegister);
-  kinematic_.GetVectorTableMod()->swap(tables);
-  kinematic_.GetVectorHeadMod()->swap(heads);
+  std::swap(store.byEntityId, byEntityId);
+  std::swap(store.byRegister, byRegister);
+  store.tables.swap(tables);
+  store.heads.swap(heads);
   programSystems_->splice(programSystems_->end(), defaultProgramSystem);
 
   // Until the levels are known, each element's level holds its place in the list.

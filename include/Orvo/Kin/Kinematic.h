@@ -54,6 +54,8 @@ class ORVO_API Kinematic : public ISerializableXML {
   bool SerializeXML(XMLWriter& writer, XMLElement* parent) override;
   bool DeserializeXML(XMLReader& reader, XMLElement* parent) override;
 
+  /// Hand out the list and the lookups for change in place. A lookup by id or by register becomes
+  /// a vector for that, with memory for every number up to the largest one.
   std::list<Entity>* GetListEntityMod();
   std::vector<const Entity*>* GetVectorSortedByEntityIdMod();
   std::vector<const Entity*>* GetVectorSortedByRegisterMod();

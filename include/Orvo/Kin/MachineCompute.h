@@ -84,7 +84,9 @@ class ORVO_API MachineCompute {
   ///   - ComputeErrorEmptyPosition: pos holds no value
   /// @par Cost
   /// One frame product per element. The first call also orders the elements, for the calculator's
-  /// life; later ones allocate nothing while @p frames has room.
+  /// life; later ones allocate nothing while @p frames has room. Deliberate: the size of @p frames
+  /// is that of the largest id, 2.7 GB at worst, however few elements there are. Who does not know
+  /// the machine asks Machine::GetEntityIdMax() first, or takes ComputePositionEntity().
   bool ComputePositionMachine(const MachinePosition& pos, std::vector<Matrix43>* frames);
 
   /// Computes the frame that carries coordinates of a head, counted from the tool point, into the
