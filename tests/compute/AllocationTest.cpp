@@ -8,7 +8,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <cstddef>
 #include <new>
 #include <vector>
@@ -22,27 +21,6 @@ using Kin::MachinePosition;
 using Kin::ProgramSystem;
 using Kin::ProgramSystemCompute;
 using Kin::RotariesSolution;
-
-// Makes a call again and again, with its first allocation refused, then its second, and so on until
-// none is. Returns how many times it failed.
-template <typename Prepare, typename Call>
-int RefuseEachAllocationOf(Prepare prepare, Call call) {
-  for (int refused = 0;; ++refused) {
-    auto subject = prepare();
-    bool isWhole = true;
-    RefuseAllocation(static_cast<std::size_t>(refused));
-    try {
-      call(subject, false);
-    } catch (const std::bad_alloc&) {
-      isWhole = false;
-    }
-    AllowAllocations();
-    if (isWhole) {
-      return refused;
-    }
-    call(subject, true);
-  }
-}
 
 const Vector3D Directions[] = {{0, 0, 1}, {0.36, 0.48, 0.8}, {1, 0, 0}, {0, 0, -1}, {0, 0, 0}};
 
@@ -163,82 +141,6 @@ TEST(Allocation, ProgramSystemAllocatesWithItsFirstCallOnly) {
               }),
               0U);
   }
-}
-
-TEST(RefusedMemory, CalculatorStaysUsable) {
-  const Machine machine = HeadTableMachine();
-  const MachinePosition position = PositionOf({1, 2, 3, 40, 50});
-  RotariesSolution expected;
-  MachineCompute(machine).ComputeToolIjkTcsToMcsAbc(position, 0, 0, Directions[1], 3, 4, &expected);
-  ASSERT_EQ(expected.Count, 2U);
-  const auto prepare = [&machine] { return MachineCompute(machine); };
-  EXPECT_GE(RefuseEachAllocationOf(prepare,
-                                   [&](MachineCompute& compute, bool isAgain) {
-                                     RotariesSolution sol;
-                                     const bool isSolved = compute.ComputeToolIjkTcsToMcsAbc(
-                                         position, 0, 0, Directions[1], 3, 4, &sol);
-                                     if (isAgain) {
-                                       EXPECT_TRUE(isSolved);
-                                       EXPECT_EQ(sol.Alpha1.GetRadian(),
-                                                 expected.Alpha1.GetRadian());
-                                       EXPECT_EQ(compute.GetLastError(), Kin::ComputeErrorNone);
-                                     }
-                                   }),
-            2);
-  EXPECT_GE(RefuseEachAllocationOf(prepare,
-                                   [&](MachineCompute& compute, bool isAgain) {
-                                     Vector3D xyz;
-                                     const bool isSolved = compute.ComputeToolTcsToMcsXyz(
-                                         position, 0, 0, NullVector, 0, 1, 2, AxisX, &xyz);
-                                     if (isAgain) {
-                                       EXPECT_TRUE(isSolved);
-                                     }
-                                   }),
-            2);
-  EXPECT_GE(RefuseEachAllocationOf(prepare,
-                                   [&](MachineCompute& compute, bool isAgain) {
-                                     std::vector<Matrix43> frames;
-                                     compute.ComputePositionMachine(position, &frames);
-                                     if (isAgain) {
-                                       ASSERT_EQ(frames.size(), 9U);
-                                       EXPECT_EQ(frames[4].GetTrans()[2], 3.0);
-                                       EXPECT_FALSE(frames[8].IsIdentity());
-                                     }
-                                   }),
-            2);
-}
-
-TEST(RefusedMemory, ChainOfAnotherHeadStaysUsable) {
-  Machine machine;
-  AddFixed(machine, -1);
-  AddTable(machine, 1);
-  AddRotary(machine, 1, NullVector, AxisX, 0);
-  AddHead(machine, 3);
-  AddRotary(machine, 1, NullVector, AxisY, 0);
-  AddHead(machine, 5);
-  machine.Finish();
-  const MachinePosition position = PositionOf({0});
-  const auto prepare = [&] {
-    MachineCompute compute(machine);
-    RotariesSolution sol;
-    compute.ComputeToolIjkTcsToMcsAbc(position, 0, 0, AxisZ, 0, -1, &sol);
-    return compute;
-  };
-  EXPECT_GE(RefuseEachAllocationOf(
-                prepare,
-                [&](MachineCompute& compute, bool isAgain) {
-                  RotariesSolution sol;
-                  // When this runs again after a failure, first the head from before.
-                  if (isAgain) {
-                    compute.ComputeToolIjkTcsToMcsAbc(position, 0, 0, AxisY, 0, -1, &sol);
-                    EXPECT_EQ(sol.Count, 1U);
-                  }
-                  compute.ComputeToolIjkTcsToMcsAbc(position, 1, 0, AxisX, 0, -1, &sol);
-                  if (isAgain) {
-                    EXPECT_EQ(sol.Count, 1U);
-                  }
-                }),
-            1);
 }
 
 }  // namespace
