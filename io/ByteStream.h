@@ -11,6 +11,9 @@ class ByteSource {
 
   /// Reads up to @p size bytes and returns how many there were; fewer mean the end or an error.
   virtual std::size_t Read(void* bytes, std::size_t size) = 0;
+
+  /// Tells whether a read was cut short by an error and not by the end.
+  virtual bool HasFailed() const { return false; }
 };
 
 /// Where bytes are written to.

@@ -164,6 +164,9 @@ bool DecodeStl(ByteSource* source, Mesh* mesh) {
       arrays.Set(triangle, block + i * RecordSize);
     }
   }
+  if (source->HasFailed()) {
+    return false;
+  }
   *mesh = read;
   return true;
 }

@@ -7,8 +7,9 @@
 namespace Orvo {
 
 /// Reads a binary STL file into new arrays of a mesh, as EntityMesh::ReadCadStlBin says.
-/// @return false, and the mesh unchanged, without 84 bytes of header or with a count of triangles
-///   that is 0 or whose triple is too large for an index
+/// @return false, and the mesh unchanged, without 84 bytes of header, with a count of triangles
+/// that
+///   is 0 or whose triple is too large for an index, and when the source fails
 /// @throws std::bad_alloc when the arrays don't fit; the mesh is unchanged
 bool DecodeStl(ByteSource* source, Mesh* mesh);
 

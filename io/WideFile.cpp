@@ -35,6 +35,8 @@ std::size_t WideFile::Read(void* bytes, std::size_t size) {
   return std::fread(bytes, 1, size, file_);
 }
 
+bool WideFile::HasFailed() const { return std::ferror(file_) != 0; }
+
 bool WideFile::Write(const void* bytes, std::size_t size) {
   return std::fwrite(bytes, 1, size, file_) == size;
 }

@@ -21,6 +21,7 @@ class WideFile : public ByteSource, public ByteSink {
   bool IsOpen() const { return file_ != nullptr; }
 
   std::size_t Read(void* bytes, std::size_t size) override;
+  bool HasFailed() const override;
   bool Write(const void* bytes, std::size_t size) override;
   bool Seek(long offset) override;
 

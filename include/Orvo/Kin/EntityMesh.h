@@ -49,10 +49,12 @@ class ORVO_API EntityMesh {
   /// Reads a binary STL file into mesh @p i, which takes new arrays; each triangle has three
   /// vertices and one normal of its own. Earlier arrays stay alive with the mesh.
   ///
-  /// @return false when the index is outside the list or its mesh null, when the file can't be
-  ///   opened or is shorter than its 84 bytes of header, and when its count of triangles is 0 or
-  ///   above 1431655765. A file that ends early gives true: the arrays then have the size that the
-  ///   count says, and hold zeros behind the last triangle.
+  /// @return false, and the mesh unchanged, when the index is outside the list or its mesh null,
+  /// when
+  ///   the file can't be opened, can't be read to its end or is shorter than its 84 bytes of
+  ///   header, and when its count of triangles is 0 or above 1431655765. A file that ends early
+  ///   gives true: the arrays then have the size that the count says, and hold zeros behind the
+  ///   last triangle.
   /// @throws std::bad_alloc when the arrays don't fit the address space; the mesh is unchanged
   /// @par Cost
   /// Linear in the bytes that the file has. Memory behind the last triangle is not touched.
