@@ -1,0 +1,33 @@
+// A machine file of any bytes: read into a new machine, and once more into what came of that.
+
+#include "Check.h"
+#include "InputFile.h"
+#include "MachineReading.h"
+#include "Target.h"
+
+#include <Orvo/Kin/Kinematic.h>
+#include <Orvo/Kin/Machine.h>
+
+using namespace Orvo;
+using namespace Orvo::Fuzz;
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static const InputFile file("read.xml");
+  file.Write(TextOf(data, size));
+
+  Kin::Machine machine;
+  const ReadOutcome outcome = ReadNewMachine(&machine, file.Path());
+  const std::size_t entityNb = machine.GetKinematic().GetListEntity().size();
+  const int programSystemNb = machine.GetProgramSystemNb().GetVal();
+
+  // Reading appends; a default program system, once made, counts as one that was there.
+  const ReadOutcome again = ReadMore(&machine, file.Path());
+  Require(again == outcome, "the same file ends the same way again");
+  Require(machine.GetKinematic().GetListEntity().size() == 2 * entityNb,
+          "the elements of the file are appended");
+  Require(machine.GetProgramSystemNb().GetVal() >= programSystemNb, "program systems stay");
+  if (again == ReadOutcome::Read) {
+    RequireAssembled(&machine);
+  }
+  return 0;
+}
