@@ -270,7 +270,9 @@ class Examination {
       const bool isDone = solver.ComputeToolIjkTcsToMcsAbc(position, direction, &chosen);
       Require(isDone == (oracle_.RotaryError(position, rotary) == Kin::ComputeErrorNone),
               "a program system solves what the calculator solves");
-      if (isDone) {
+      // Of a position that is too short for the machine, a calculator fills up the rest with what
+      // it was asked before, so that two of them may differ.
+      if (isDone && Holds(position)) {
         ExamineChoice(position, programSystem, rotary, raw, chosen);
       }
 
@@ -289,6 +291,11 @@ class Examination {
               "a program system solves no more than the calculator");
       ExamineRanges(&solver, position, linear, isSolved ? ofProgramSystem : point);
     }
+  }
+
+  // Tells whether a position has a value for each register of the machine.
+  bool Holds(const MachinePosition& position) const {
+    return KinematicOracle::Holds(position, machine_->GetRegisterNb().GetVal() - 1);
   }
 
   void ExamineChoice(const MachinePosition& position, const Kin::ProgramSystem& programSystem,
