@@ -60,10 +60,13 @@ TEST(AttributeLimit, WhatIsNoTagIsNotCounted) {
   const std::string many = Attributes(LargestAttributeNb + 1);
   const std::vector<std::string> texts = {"<!--" + many + "--><a/>",
                                           "<!-- <x" + many + " -- > ->-->",
+                                          "<!-- > <x" + many + "> -->",
                                           "<![CDATA[<x" + many + ">]]>",
                                           "<![CDATA[ ]]" + many + "]>" + many + "]]>",
                                           "<?xml" + many + "?>",
+                                          "<![CDATA[ > <x" + many + ">]]>",
                                           "<?x >" + many + "?>",
+                                          "<?x > <x" + many + "> ?>",
                                           "<!DOCTYPE" + many + ">",
                                           "<a>" + many + "</a>",
                                           "<a b='" + Attributes(2000) + "'/>",
