@@ -1,6 +1,9 @@
-# Runs PROGRAM and compares what it prints with the file EXPECTED.
+# Runs PROGRAM, with the folder WORK_DIR as its argument, and compares what it prints with the file
+# EXPECTED.
+file(REMOVE_RECURSE ${WORK_DIR})
+file(MAKE_DIRECTORY ${WORK_DIR})
 execute_process(
-  COMMAND ${PROGRAM}
+  COMMAND ${PROGRAM} ${WORK_DIR}
   OUTPUT_VARIABLE output
   RESULT_VARIABLE result)
 if(NOT result EQUAL 0)
