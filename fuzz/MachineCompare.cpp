@@ -65,7 +65,9 @@ std::wstring Kept(const std::wstring& name) {
     }
     kept += L'\n';
     const wchar_t other = c == L'\r' ? L'\n' : L'\r';
-    i += i + 1 < name.size() && name[i + 1] == other ? 1 : 0;
+    if (i + 1 < name.size() && name[i + 1] == other) {
+      ++i;
+    }
   }
   return kept;
 }
