@@ -30,6 +30,7 @@ import collections
 import difflib
 import hashlib
 import json
+import math
 import os
 import pathlib
 import random
@@ -52,9 +53,11 @@ CASE_SHARE = "2"
 MEMORY_LIMIT = 4 << 30
 FILE_LIMIT = 1 << 30
 
-# A test may take this many times its usual time, and some seconds on top.
-SLOWDOWN = 8
-GRACE_S = 10
+# A test may take this many times its usual time of the processor, and of the clock, and some
+# seconds on top.
+SLOWDOWN = 4
+PROCESSOR_GRACE_S = 3
+CLOCK_GRACE_S = 60
 
 
 # ---- Tokens --------------------------------------------------------------------------------------
@@ -553,6 +556,12 @@ class Draw:
 
 # ---- Building and testing ------------------------------------------------------------------------
 
+def processor_time():
+    """The processor time of all programs that were run and waited for, in seconds."""
+    usage = resource.getrusage(resource.RUSAGE_CHILDREN)
+    return usage.ru_utime + usage.ru_stime
+
+
 class Workshop:
     """A copy of the checkout, built once; mutants are compiled beside it."""
 
@@ -696,7 +705,7 @@ class Workshop:
                 return False
         return True
 
-    def run_test(self, folder, test, program, limit_s):
+    def run_test(self, test, program, processor_s, clock_s):
         """Runs one test program; returns the outcome and, for a failure, what failed."""
         scratch = self.work / "scratch"
         shutil.rmtree(scratch, ignore_errors=True)
@@ -707,6 +716,7 @@ class Workshop:
         def limit():
             resource.setrlimit(resource.RLIMIT_AS, (MEMORY_LIMIT, MEMORY_LIMIT))
             resource.setrlimit(resource.RLIMIT_FSIZE, (FILE_LIMIT, FILE_LIMIT))
+            resource.setrlimit(resource.RLIMIT_CPU, (processor_s, processor_s + 1))
             resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
 
         log = self.work / "test.log"
@@ -715,7 +725,7 @@ class Workshop:
                                        stderr=subprocess.STDOUT, stdin=subprocess.DEVNULL,
                                        preexec_fn=limit, start_new_session=True)
             try:
-                status = process.wait(limit_s)
+                status = process.wait(clock_s)
             except subprocess.TimeoutExpired:
                 status = None
             finally:
@@ -730,19 +740,22 @@ class Workshop:
         name = f"status {status}"
         if failed:
             name = failed.group(1).decode("utf-8", "replace").rstrip(",")
-        return "timeout" if status is None else "killed", f"{test}: {name}"
+        is_late = status in (None, -signal.SIGXCPU)
+        return "timeout" if is_late else "killed", f"{test}: {name}"
 
     def measure_tests(self):
-        """Runs every test program as it is: all must pass; how long each takes sets its limit."""
+        """Runs every test program as it is: all must pass; how long each takes sets its limits."""
         self.limits = {}
         for folder, tests in self.tests.items():
             for test in tests:
-                start = time.monotonic()
-                outcome, what = self.run_test(folder, test, self.program(folder, test), 600)
+                clock, processor = time.monotonic(), processor_time()
+                outcome, what = self.run_test(test, self.program(folder, test), 3600, 3600)
                 if outcome != "passed":
                     sys.exit((self.work / "test.log").read_text(errors="replace")
                              + f"\nmutate.py: FAILED without any mutant: {what}")
-                self.limits[test] = GRACE_S + SLOWDOWN * (time.monotonic() - start)
+                self.limits[test] = (
+                    math.ceil(PROCESSOR_GRACE_S + SLOWDOWN * (processor_time() - processor)),
+                    CLOCK_GRACE_S + SLOWDOWN * (time.monotonic() - clock))
 
     def linked(self, test, objects):
         """Links a test with the mutant's objects in front of the archive that holds the others."""
@@ -783,7 +796,7 @@ class Workshop:
                 program = self.linked(test, objects)
                 if program is None:
                     return "invalid", None
-                outcome, what = self.run_test(folder, test, program, self.limits[test])
+                outcome, what = self.run_test(test, program, *self.limits[test])
                 if outcome != "passed":
                     return outcome, what
         if self.same_code(mutant.file, text, mutated, "-O2"):
