@@ -17,9 +17,10 @@ namespace {
 
 using OrvoTool::ExitCode;
 
-/// Writes a message and a line end to the error stream.
-void Complain(const std::string& message) {
-  std::fputs((message + "\n").c_str(), stderr);
+/// Writes a message and a line end to the error stream. Asks for no memory: there may be none.
+void Complain(const char* message) {
+  std::fputs(message, stderr);
+  std::fputs("\n", stderr);
   std::fflush(stderr);
 }
 
@@ -56,7 +57,7 @@ ExitCode Answer(const CLI::App& app, const CLI::ParseError& error) {
   } else {
     what = "a command is needed";
   }
-  Complain(command + ": " + what + "\nTry: " + command + " --help");
+  Complain((command + ": " + what + "\nTry: " + command + " --help").c_str());
   return ExitCode::Usage;
 }
 
@@ -90,7 +91,8 @@ int main(int argc, char** argv) {
     Complain("orvo: there is not enough memory");
     return static_cast<int>(ExitCode::Input);
   } catch (const std::exception& error) {
-    Complain(std::string("orvo: ") + error.what());
+    std::fputs("orvo: ", stderr);
+    Complain(error.what());
     return static_cast<int>(ExitCode::Input);
   }
 }
