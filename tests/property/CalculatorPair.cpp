@@ -148,6 +148,11 @@ Vector AnyTarget(Draw& draw, const Machine& machine, const RotaryRequest& reques
   if (draw.Chance(0.1)) {
     out = Reference::Scaled(out, draw.Uniform(0.1, 3.0));
   }
+  for (double* const number : {&out.x, &out.y, &out.z}) {
+    if (draw.IsNextAnEdge()) {
+      *number = AnyNumber(draw);
+    }
+  }
   return out;
 }
 

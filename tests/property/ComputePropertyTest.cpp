@@ -22,79 +22,109 @@ void Explain(const MachinePair& machines) {
   }
 }
 
-TEST(ForwardProperty, PlacesElementsAsTheTwinDoes) {
-  ForCases(30000, [](Draw& draw) {
-    const MachinePair machines(AnyPlan(draw));
-    CalculatorPair pair(machines);
-    for (int call = 0; call < 8 && !::testing::Test::HasFailure(); ++call) {
-      switch (draw.Int(0, 3)) {
-        case 0:
-          pair.RelativePosition(draw);
-          break;
-        case 1:
-          pair.PositionEntity(draw);
-          break;
-        case 2:
-          pair.PositionMachine(draw);
-          break;
-        default:
-          pair.McsToToolTcs(draw);
-          break;
-      }
+void PlaceElements(Draw& draw) {
+  const MachinePair machines(AnyPlan(draw));
+  CalculatorPair pair(machines);
+  for (int call = 0; call < 8 && !::testing::Test::HasFailure(); ++call) {
+    switch (draw.Int(0, 3)) {
+      case 0:
+        pair.RelativePosition(draw);
+        break;
+      case 1:
+        pair.PositionEntity(draw);
+        break;
+      case 2:
+        pair.PositionMachine(draw);
+        break;
+      default:
+        pair.McsToToolTcs(draw);
+        break;
     }
-    Explain(machines);
+  }
+  Explain(machines);
+}
+
+TEST(ForwardProperty, PlacesElementsAsTheTwinDoes) { ForCases(30000, PlaceElements); }
+
+TEST(ForwardProperty, PlacesElementsOfAnyNumbersAsTheTwinDoes) {
+  ForCases(15000, [](Draw& draw) {
+    draw.SetEdgeShare(draw.Uniform(0.0, 0.3));
+    PlaceElements(draw);
   });
 }
 
-TEST(RotaryProperty, SolvesAsTheTwinDoes) {
-  ForCases(60000, [](Draw& draw) {
-    const MachinePair machines(AnyPlan(draw));
-    CalculatorPair pair(machines);
-    for (int call = 0; call < 8 && !::testing::Test::HasFailure(); ++call) {
-      pair.Rotaries(AnyRotaryRequest(draw, machines.twin));
-    }
-    Explain(machines);
+void SolveRotaries(Draw& draw) {
+  const MachinePair machines(AnyPlan(draw));
+  CalculatorPair pair(machines);
+  for (int call = 0; call < 8 && !::testing::Test::HasFailure(); ++call) {
+    pair.Rotaries(AnyRotaryRequest(draw, machines.twin));
+  }
+  Explain(machines);
+}
+
+TEST(RotaryProperty, SolvesAsTheTwinDoes) { ForCases(60000, SolveRotaries); }
+
+TEST(RotaryProperty, SolvesForAnyNumbersAsTheTwinDoes) {
+  ForCases(30000, [](Draw& draw) {
+    draw.SetEdgeShare(draw.Uniform(0.0, 0.3));
+    SolveRotaries(draw);
   });
 }
 
-TEST(LinearProperty, SolvesAsTheTwinDoes) {
-  ForCases(30000, [](Draw& draw) {
-    const MachinePair machines(AnyPlan(draw));
-    CalculatorPair pair(machines);
-    for (int call = 0; call < 8 && !::testing::Test::HasFailure(); ++call) {
-      pair.Linear(AnyLinearRequest(draw, machines.twin));
-    }
-    Explain(machines);
+void SolveLinear(Draw& draw) {
+  const MachinePair machines(AnyPlan(draw));
+  CalculatorPair pair(machines);
+  for (int call = 0; call < 8 && !::testing::Test::HasFailure(); ++call) {
+    pair.Linear(AnyLinearRequest(draw, machines.twin));
+  }
+  Explain(machines);
+}
+
+TEST(LinearProperty, SolvesAsTheTwinDoes) { ForCases(30000, SolveLinear); }
+
+TEST(LinearProperty, SolvesForAnyNumbersAsTheTwinDoes) {
+  ForCases(15000, [](Draw& draw) {
+    draw.SetEdgeShare(draw.Uniform(0.0, 0.3));
+    SolveLinear(draw);
   });
+}
+
+void DoEverything(Draw& draw) {
+  const MachinePair machines(AnyPlan(draw));
+  CalculatorPair pair(machines);
+  for (int call = 0; call < 16 && !::testing::Test::HasFailure(); ++call) {
+    switch (draw.Int(0, 5)) {
+      case 0:
+        pair.RelativePosition(draw);
+        break;
+      case 1:
+        pair.PositionEntity(draw);
+        break;
+      case 2:
+        pair.PositionMachine(draw);
+        break;
+      case 3:
+        pair.McsToToolTcs(draw);
+        break;
+      case 4:
+        pair.Rotaries(AnyRotaryRequest(draw, machines.twin));
+        break;
+      default:
+        pair.Linear(AnyLinearRequest(draw, machines.twin));
+        break;
+    }
+  }
+  Explain(machines);
 }
 
 TEST(CalculatorProperty, KeepsItsMemoryAcrossAllOperationsAsTheTwinDoes) {
-  ForCases(20000, [](Draw& draw) {
-    const MachinePair machines(AnyPlan(draw));
-    CalculatorPair pair(machines);
-    for (int call = 0; call < 16 && !::testing::Test::HasFailure(); ++call) {
-      switch (draw.Int(0, 5)) {
-        case 0:
-          pair.RelativePosition(draw);
-          break;
-        case 1:
-          pair.PositionEntity(draw);
-          break;
-        case 2:
-          pair.PositionMachine(draw);
-          break;
-        case 3:
-          pair.McsToToolTcs(draw);
-          break;
-        case 4:
-          pair.Rotaries(AnyRotaryRequest(draw, machines.twin));
-          break;
-        default:
-          pair.Linear(AnyLinearRequest(draw, machines.twin));
-          break;
-      }
-    }
-    Explain(machines);
+  ForCases(20000, DoEverything);
+}
+
+TEST(CalculatorProperty, KeepsItsMemoryOverAnyNumbersAsTheTwinDoes) {
+  ForCases(10000, [](Draw& draw) {
+    draw.SetEdgeShare(draw.Uniform(0.0, 0.3));
+    DoEverything(draw);
   });
 }
 

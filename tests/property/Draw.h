@@ -21,6 +21,13 @@ class Draw {
   double Uniform(double low, double high);
   bool Chance(double probability);
 
+  /// The share of numbers that are to be any double rather than an ordinary one; at first 0.
+  void SetEdgeShare(double share) { edgeShare_ = share; }
+  bool HasEdges() const { return edgeShare_ > 0.0; }
+
+  /// Draws whether the next number is one of them; without any, nothing is drawn.
+  bool IsNextAnEdge() { return HasEdges() && Chance(edgeShare_); }
+
   template <typename T>
   const T& Of(const std::vector<T>& values) {
     return values[static_cast<std::size_t>(Int(0, static_cast<int>(values.size()) - 1))];
@@ -41,6 +48,7 @@ class Draw {
 
  private:
   std::uint64_t state_;
+  double edgeShare_ = 0.0;
 };
 
 /// The seed of the running test: its full name and the environment's ORVO_TEST_SEED.

@@ -9,6 +9,25 @@ using Reference::Frame;
 using Reference::Kind;
 using Reference::Vector;
 
+namespace {
+
+double OrdinaryCoordinate(Draw& draw) {
+  switch (draw.Int(0, 5)) {
+    case 0:
+      return 0.0;
+    case 1:
+      return draw.Int(-10, 10);
+    case 2:
+      return draw.Int(-1000, 1000) * 0.5;
+    case 3:
+      return draw.Uniform(-1.0, 1.0);
+    default:
+      return draw.Uniform(-1000.0, 1000.0);
+  }
+}
+
+}  // namespace
+
 double AnyNumber(Draw& draw) {
   static const double special[] = {0.0,
                                    -0.0,
@@ -39,23 +58,12 @@ double AnyNumber(Draw& draw) {
     case 3:
       return std::ldexp(draw.Uniform(-1.0, 1.0), draw.Int(-600, 600));
     default:
-      return Coordinate(draw);
+      return OrdinaryCoordinate(draw);
   }
 }
 
 double Coordinate(Draw& draw) {
-  switch (draw.Int(0, 5)) {
-    case 0:
-      return 0.0;
-    case 1:
-      return draw.Int(-10, 10);
-    case 2:
-      return draw.Int(-1000, 1000) * 0.5;
-    case 3:
-      return draw.Uniform(-1.0, 1.0);
-    default:
-      return draw.Uniform(-1000.0, 1000.0);
-  }
+  return draw.IsNextAnEdge() ? AnyNumber(draw) : OrdinaryCoordinate(draw);
 }
 
 double AngleDeg(Draw& draw) {
@@ -105,6 +113,9 @@ Vector UnitDirection(Draw& draw) {
 
 Vector AnyDirection(Draw& draw) {
   Vector out = UnitDirection(draw);
+  if (draw.IsNextAnEdge()) {
+    (draw.Chance(0.5) ? out.x : draw.Chance(0.5) ? out.y : out.z) = AnyNumber(draw);
+  }
   switch (draw.Int(0, 7)) {
     case 0:
       return Reference::Scaled(out, draw.Uniform(-3.0, 3.0));

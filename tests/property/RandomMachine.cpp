@@ -94,8 +94,29 @@ void AddCollisions(Draw& draw, MachinePlan* plan) {
   }
 }
 
+// Puts any doubles into an element where the draw asks for them.
+void AddEdges(Draw& draw, ElementPlan* e) {
+  for (LinkStep& step : e->links) {
+    for (double* const number :
+         {&step.center.x, &step.center.y, &step.center.z, &step.dir.x, &step.dir.y, &step.dir.z}) {
+      if (draw.IsNextAnEdge()) {
+        *number = AnyNumber(draw);
+      }
+    }
+    if (draw.IsNextAnEdge()) {
+      step.frame = AnyFrame(draw);
+    }
+  }
+  for (int which = 0; which < 3; ++which) {
+    if (draw.IsNextAnEdge()) {
+      e->slots.push_back({which, 0, AnyNumber(draw)});
+    }
+  }
+}
+
 void Decorate(Draw& draw, MachinePlan* plan) {
   for (ElementPlan& e : plan->elements) {
+    AddEdges(draw, &e);
     e.plain = draw.Chance(0.7);
     e.motor = draw.Chance(0.5);
     e.mounting = draw.Chance(0.2);
@@ -225,7 +246,7 @@ std::wstring AnyName(Draw& draw) {
 
 MachinePlan SoundPlan(Draw& draw) {
   MachinePlan plan = SoundTree(draw);
-  plan.fromFile = draw.Chance(0.2);
+  plan.fromFile = !draw.HasEdges() && draw.Chance(0.2);
   Number(draw, &plan);
   Decorate(draw, &plan);
   return plan;
@@ -233,7 +254,7 @@ MachinePlan SoundPlan(Draw& draw) {
 
 MachinePlan WildPlan(Draw& draw) {
   MachinePlan plan;
-  plan.fromFile = draw.Chance(0.5);
+  plan.fromFile = !draw.HasEdges() && draw.Chance(0.5);
   const int count = draw.Chance(0.9) ? draw.Int(0, 14) : draw.Int(0, 60);
   const bool cyclesAllowed = draw.Chance(0.15);
   for (int i = 0; i < count; ++i) {
@@ -291,7 +312,7 @@ Reference::Position AnyPosition(Draw& draw, int registerNb) {
   const int size = draw.Chance(0.85) ? registerNb : draw.Int(0, std::max(registerNb, 0) + 3);
   out.Alloc(std::max(size, 0));
   for (double& value : out.values) {
-    if (draw.Chance(0.01)) {
+    if (draw.Chance(0.01) || draw.IsNextAnEdge()) {
       value = AnyNumber(draw);
     } else {
       value = draw.Chance(0.6) ? AngleDeg(draw) : Coordinate(draw);

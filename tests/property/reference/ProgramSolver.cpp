@@ -14,6 +14,11 @@ const int NearTurns = 10000;
 template <typename Condition>
 double Step(double r, double step, double bulkTarget, double* farthest, Condition&& holds) {
   int steps = 0;
+  // So far away, single steps may end by rounding where taking the bulk goes on.
+  const bool isFar = std::fabs(bulkTarget - r) > NearTurns * FullTurn;
+  if (isFar && std::isfinite(bulkTarget) && holds(r)) {
+    *farthest = std::fmax(*farthest, std::fabs(bulkTarget) + std::fabs(r));
+  }
   while (holds(r)) {
     const double next = step > 0.0 ? step + r : r - (-step);
     if (next == r || !std::isfinite(next)) {
