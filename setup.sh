@@ -4,8 +4,9 @@
 #
 #   ./setup.sh          to build the library and the program, and to run the tests
 #   ./setup.sh --ci     also what only the continuous integration needs: a second compiler, sanitizer
-#                       runtimes, formatters, coverage reports, the compiler cache
-#   ./setup.sh --list   prints the names of the packages, one a line (after --ci: all of them)
+#                       runtimes, valgrind, formatters, coverage reports, the compiler cache
+#   ./setup.sh --benchmarks   also the other systems that the benchmarks compare with
+#   ./setup.sh --list   prints the names of the packages, one a line (after --ci: those too)
 set -eu
 
 packages="
@@ -13,13 +14,18 @@ packages="
   libtinyxml2-dev libutfcpp-dev libcli11-dev libgtest-dev libgmock-dev
 "
 ci_packages="
-  git clang-14 clang libclang-rt-14-dev clang-format-14 cmake-format gcovr ccache
+  git clang-14 clang libclang-rt-14-dev llvm-14 valgrind clang-format-14 cmake-format gcovr ccache
+  libbenchmark-dev libeigen3-dev
+"
+benchmark_packages="
+  libbenchmark-dev libeigen3-dev liborocos-kdl-dev libassimp-dev
 "
 
 list_only=no
 for argument in "$@"; do
   case "$argument" in
     --ci) packages="$packages $ci_packages" ;;
+    --benchmarks) packages="$packages $benchmark_packages" ;;
     --list) list_only=yes ;;
     -h | --help)
       sed -n '2,/^set -eu/s/^# \{0,1\}//p' "$0"
