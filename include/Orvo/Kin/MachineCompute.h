@@ -26,6 +26,9 @@ struct RotariesSolution;
 /// World frames stand in the frame of the root of the machine's tree. Positions hold lengths in
 /// the machine's unit and angles in degrees, by register.
 ///
+/// Deliberate: for the two solvers, an axis whose register lies beyond a position that is shorter
+/// than an earlier one stands where the earlier one had it. Alloc() positions by the machine.
+///
 /// An operation that fails returns false and keeps the cause as GetLastError(); a later success
 /// does not reset it. A copy is a second handle on the same calculator, caches and last error
 /// included. The machine must outlive every handle and its tree must not change meanwhile. One
