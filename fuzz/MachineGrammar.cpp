@@ -106,7 +106,8 @@ constexpr std::string_view LinkTypes[] = {"LINEAR",   "ROTARY", "POSITION",     
 constexpr std::string_view Policies[] = {"Default", "ShortestWay", "AlphaPositive"};
 constexpr std::string_view WrongWords[] = {"",        "axis",        "AXIS ",    "\nAXIS",
                                            "LINEAR2", "shortestway", "&#65;XIS", "HEADTABLE"};
-constexpr std::string_view Bools[] = {"true", "false", "true", "false", "True", "1", "", " true"};
+constexpr std::string_view Bools[] = {"true", "false"};
+constexpr std::string_view WrongBools[] = {"True", "1", "", " true", "false\n"};
 constexpr std::string_view Texts[] = {"",
                                       "X",
                                       "C axis",
@@ -307,7 +308,7 @@ std::string AnyValue(ValueKind kind, std::string_view element, std::string_view 
     case ValueKind::Text:
       return std::string(random.OneOf(Texts));
     case ValueKind::Bool:
-      return std::string(random.OneOf(Bools));
+      return std::string(random.OneIn(20) ? random.OneOf(WrongBools) : random.OneOf(Bools));
     case ValueKind::Id:
     case ValueKind::Register:
       return AnyId(random);
@@ -318,7 +319,7 @@ std::string AnyValue(ValueKind kind, std::string_view element, std::string_view 
       return random.OneIn(20) ? std::string(random.OneOf(EdgeIntegers))
                               : std::to_string(random.Between(-16777216, 16777215));
     case ValueKind::Number:
-      return random.OneIn(6) ? std::string(random.OneOf(EdgeNumbers)) : PlainNumber(random);
+      return random.OneIn(10) ? std::string(random.OneOf(EdgeNumbers)) : PlainNumber(random);
     case ValueKind::Ids: {
       std::string text;
       for (std::size_t nb = random.Below(6); nb > 0; --nb) {
@@ -327,7 +328,7 @@ std::string AnyValue(ValueKind kind, std::string_view element, std::string_view 
       return text;
     }
     case ValueKind::Word:
-      if (random.OneIn(16)) {
+      if (random.OneIn(20)) {
         return std::string(random.OneOf(WrongWords));
       }
       if (element == "ParallelType") {

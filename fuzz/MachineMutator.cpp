@@ -33,7 +33,7 @@ class TreeMutator {
       return;
     }
     // Values are what most elements hold, and what most changes should be about.
-    if (!random_.OneIn(3)) {
+    if (!random_.OneIn(4)) {
       ChangeValue(elements);
       return;
     }
@@ -343,7 +343,7 @@ std::size_t MutateMachineInput(std::uint8_t* data, std::size_t size, std::size_t
     root = AnyMachine(random);
   }
   TreeMutator mutator(&root, random, byteMutator);
-  for (std::size_t steps = 1 + random.Below(MostSteps); steps > 0; --steps) {
+  for (std::size_t steps = random.OneIn(3) ? 1 + random.Below(MostSteps) : 1; steps > 0; --steps) {
     mutator.Step();
   }
   std::string changed = PrintText(root);

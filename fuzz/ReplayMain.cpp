@@ -25,8 +25,7 @@ char currentFile[4096] = "(none)";
 
 void SayWhere(int signal) {
   std::fprintf(stderr, "signal %d at the input %s\n", signal, currentFile);
-  std::signal(signal, SIG_DFL);
-  std::raise(signal);
+  std::_Exit(128 + signal);
 }
 
 void AddFiles(const std::filesystem::path& path, std::vector<std::filesystem::path>* files) {

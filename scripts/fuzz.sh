@@ -21,7 +21,7 @@ minimize=no
 targets=()
 
 usage() {
-  sed -n '2,/^set -eu/s/^# \{0,1\}//p' "$0" | sed '$d'
+  sed -n '2,/^set -eu/s/^# \{0,1\}//p' "$0"
 }
 
 while [ $# -gt 0 ]; do
