@@ -38,8 +38,9 @@ class ORVO_API Angle {
   ///
   /// The size is `atan2(|k|, d)` of the unit directions' cross product k and dot product d (d is
   /// clamped to [-1, 1]), so it lies in [0, pi]. The angle is negative when k points strictly
-  /// against @p ref. For parallel and antiparallel directions, and for a reference in their plane,
-  /// it stays positive.
+  /// against @p ref. For parallel and antiparallel directions, for a reference in their plane and
+  /// for one that holds NaN, it stays positive. NaN and infinities in the directions make it NaN; a
+  /// length that overflows (see Vector3D) makes it 0.0.
   ///
   /// @param from  start direction, of any length
   /// @param to    end direction, in the same frame, of any length

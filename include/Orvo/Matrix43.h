@@ -36,7 +36,9 @@ alignas(16) constexpr double IdentityFrame[16] = {1.0, 0.0, 0.0, 0.0,  //
 /// `operator=(const double*)` afterwards.
 ///
 /// No member fails: degenerate input gives the fallback that the member states, and only
-/// GetStringDebug() allocates. NaN and infinities pass through the arithmetic.
+/// GetStringDebug() allocates. Any doubles may stand in a frame: NaN and infinities pass through
+/// the arithmetic as IEEE 754 has it, inverses and turns included, and no frame that holds NaN
+/// equals another.
 ///
 /// Deliberate: the members that return a new value are not const; they are part of a frozen
 /// interface and do not change the object.
@@ -147,7 +149,8 @@ class ORVO_API Matrix43 {
   /// axis shorter than 0.001 turns about Z.
   void SetRotation(const Vector3D& axis, const Angle& a);
 
-  /// Becomes a rotation whose W is the unit vector of @p w, with T zero.
+  /// Becomes a rotation whose W is the unit vector of @p w, with T zero. NaN and overflow pass into
+  /// the directions as Vector3D::MakeUnit() lets them.
   ///
   /// @return true; false, and the identity, when @p w is shorter than 0.001
   bool MakeAxisW(const Vector3D& w);
@@ -161,7 +164,8 @@ class ORVO_API Matrix43 {
   bool IsTranslation() const;
 
   /// Tells whether U, V, W are right-handed and orthonormal: lengths within 0.001 of 1 (inclusive)
-  /// and cross products within 0.0001 by component (strict). The kind is not looked at.
+  /// and cross products within 0.0001 by component (strict). The kind is not looked at. NaN gives
+  /// false.
   bool IsRotary() const;
 
   /// Tells whether no element differs by more than @p tol; a difference equal to it passes. The

@@ -28,6 +28,10 @@ enum DirectionSign : int {
 /// same quantity has the same bits wherever it is computed. No member fails or throws, but for the
 /// memory of a text. A null pointer handed in counts as three zeros; one to be filled is left.
 ///
+/// Any doubles may stand in a vector. NaN and infinities pass through the arithmetic as IEEE 754
+/// has it, and no comparison with NaN holds. Lengths are formed of squares: they overflow to
+/// infinity from a component of about 1.3e154 on, and are 0.0 below about 1.6e-162.
+///
 /// Deliberate: the operators `+`, `-`, `*(double)` and `&` are not const members; they are part of
 /// a frozen interface and do not change the object.
 class ORVO_API Vector3D {
@@ -131,7 +135,7 @@ class ORVO_API Vector3D {
   /// Returns the squared length.
   double NormSquare() const;
 
-  /// Returns the largest of |x|, |y| and |z|.
+  /// Returns the largest of |x|, |y| and |z|. NaN among them gives NaN or the size of another one.
   double NormSup() const;
 
   /// Returns the distance between two points.
@@ -140,7 +144,8 @@ class ORVO_API Vector3D {
   /// Scales the vector to unit length.
   ///
   /// Deliberate: a vector that is too short becomes the X axis, (1, 0, 0) with w 0.0, and is not
-  /// left null; callers build frames on it.
+  /// left null; callers build frames on it. One whose length overflows becomes null, and NaN or an
+  /// infinity becomes NaN; both count as scaled.
   ///
   /// @param tol  smallest length that is scaled; a length equal to it still is
   /// @return true when the vector was scaled; false when it was shorter than @p tol, or when its
@@ -155,6 +160,8 @@ class ORVO_API Vector3D {
   bool IsSame(const DirectionSign& direction, double tol) const;
 
   /// Tells whether two vectors lie on one line through the origin, in the same or opposite sense.
+  /// A vector that holds NaN or an infinity is colinear with none; one whose length overflows, with
+  /// every finite one.
   ///
   /// @param other  the vector to compare with
   /// @param tol    bound, strict, on the sine of the angle between the two lines
@@ -172,7 +179,8 @@ class ORVO_API Vector3D {
   /// Grows the lower corner of a bounding box: each component becomes the smaller of the two.
   void ModificationMin(const Vector3D& other);
 
-  /// Replaces @p out by a text such as "(1.000, -2.500, 1000.000)". Null is ignored.
+  /// Replaces @p out by a text such as "(1.000, -2.500, 1000.000)", with "nan" and "inf" for what
+  /// is no number. Null is ignored.
   void GetStringDebug(std::wstring* out) const;
 
  private:

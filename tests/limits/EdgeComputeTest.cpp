@@ -310,6 +310,32 @@ TEST(EdgeCompute, ShortestWayToNowhereStays) {
   }
 }
 
+TEST(EdgeCompute, LimitsThatAreNoNumbersBoundNothing) {
+  const double values[AxisNb] = {0, 0, 0, 1000, 1000};
+  Numbers numbers;
+  numbers.range[1][0] = -1e6;
+  numbers.range[1][1] = 1e6;
+  const auto solved = [&values](const Numbers& of) {
+    Machine machine = MachineOf(of);
+    ProgramSystemCompute solver(machine, machine.GetListProgramSystem().front());
+    RotariesSolution solution;
+    EXPECT_TRUE(solver.ComputeToolIjkTcsToMcsAbc(PositionOf(values), PlainIjk, &solution));
+    Doubles results;
+    Append(&results, solution);
+    return results;
+  };
+  const Doubles wide = solved(numbers);
+  ASSERT_EQ(wide[0], 2.0);
+  const double limits[][2] = {{NaN, NaN}, {NaN, 1e6}, {-1e6, NaN}, {-Infinity, Infinity}};
+  for (const auto& limit : limits) {
+    numbers.range[1][0] = limit[0];
+    numbers.range[1][1] = limit[1];
+    EXPECT_EQ(solved(numbers), wide) << limit[0] << " " << limit[1];
+  }
+  numbers.range[1][0] = Infinity;
+  EXPECT_EQ(solved(numbers)[0], 0.0) << "everything is below";
+}
+
 TEST(EdgeCompute, NoNumberIsWithinEveryRangeAndInfinityWithinNone) {
   Numbers numbers;
   Machine machine = MachineOf(numbers);

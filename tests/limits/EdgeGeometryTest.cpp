@@ -108,6 +108,8 @@ TEST(EdgeAngle, LengthsThatOverflowHaveNoDirectionAndTheAngleZero) {
   EXPECT_TRUE(std::isnan(angle.GetRadian()));
   EXPECT_FALSE(angle.SetVector3DRef(Vector3D(1e-200, 0, 0), Vector3D(0, 1, 0), AxisZ));
   EXPECT_EQ(angle.GetRadian(), 0.0);
+  EXPECT_TRUE(angle.SetVector3DRef(AxisY, AxisX, Vector3D(0, 0, NaN)));
+  EXPECT_GT(angle.GetRadian(), 0.0) << "on neither side";
 }
 
 TEST(EdgeVector, Members) {
@@ -241,6 +243,18 @@ TEST(EdgeVector, LengthsFormedOfSquaresOverflowAndVanish) {
   EXPECT_EQ(Vector3D(1.5e-162, 0, 0).Norm(), 0.0);
 }
 
+TEST(EdgeVector, InfinityIsColinearWithNothing) {
+  for (const double edge : {NaN, Infinity, -Infinity}) {
+    for (int place = 0; place < 3; ++place) {
+      Vector3D v(0, 0, 0);
+      v[place] = edge;
+      EXPECT_FALSE(v.IsColinear(v, 0.5, nullptr));
+      EXPECT_FALSE(Vector3D(1, 2, 3).IsColinear(v, 0.5, nullptr));
+      EXPECT_FALSE(v.IsColinear(Vector3D(1, 2, 3), 0.5, nullptr));
+    }
+  }
+}
+
 TEST(EdgeVector, NanIsNotLargerAndNotSmaller) {
   Vector3D corner(1, 2, 3);
   corner.ModificationMax(Vector3D(NaN, NaN, NaN));
@@ -361,6 +375,14 @@ TEST(EdgeFrame, NanMakesNoRotation) {
       EXPECT_FALSE(FrameOf(elements.data()).IsRotary()) << place;
     }
   }
+}
+
+TEST(EdgeFrame, DirectionsThatOverflowAreNull) {
+  Matrix43 frame;
+  EXPECT_TRUE(frame.MakeAxisW(Vector3D(1e200, 0, 0)));
+  EXPECT_TRUE(SameBits(frame.GetW(), NullVector));
+  EXPECT_TRUE(frame.MakeAxisW(Vector3D(1, NaN, 0)));
+  EXPECT_TRUE(std::isnan(frame.GetU()[0]) && std::isnan(frame.GetW()[0]));
 }
 
 TEST(EdgeFrame, TextsHoldTheLargestNumbers) {

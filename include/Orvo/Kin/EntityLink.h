@@ -20,7 +20,8 @@ constexpr unsigned int LinkSlotCount = 6;
 /// the machine's unit, rotary limits in degrees. Directions, centers and frames stand in the
 /// parent's frame. Setting one kind leaves the fields of the others as they were.
 ///
-/// A slot above 5 reads as 0 and is not written. Nothing here fails.
+/// A slot above 5 reads as 0 and is not written. Nothing here fails: any doubles are stored as they
+/// are, but for directions, which are made unit as Vector3D::MakeUnit() does it.
 class ORVO_API EntityLink : public ISerializableXML {
  public:
   /// Makes a link of the type UNDEF: null center and direction, identity frame, zeros.

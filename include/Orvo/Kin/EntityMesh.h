@@ -60,7 +60,8 @@ class ORVO_API EntityMesh {
   /// Linear in the bytes that the file has. Memory behind the last triangle is not touched.
   bool ReadCadStlBin(const std::wstring& fileName, int i);
 
-  /// Writes mesh @p i to a binary STL file. Coordinates are rounded to single precision.
+  /// Writes mesh @p i to a binary STL file. Coordinates are rounded to single precision; those
+  /// beyond its range become infinite.
   ///
   /// @return false when the index is outside the list or its mesh null, when the file can't be
   ///   opened or any byte of it can't be written, when a face has more than 3 vertices, and when

@@ -137,6 +137,9 @@ class ORVO_API Machine : public ISerializableXML {
 
   /// Reads a machine file, appends what it holds to this machine and finishes it.
   ///
+  /// Numbers are read as strtod and strtol read them in the "C" locale, the words nan and inf
+  /// included; numbers that a double holds only with a loss, below 2.3e-308, are too small.
+  ///
   /// @param path  the file's name
   /// @return false when the file can't be opened, is no XML, has a tag of more than 1000 attributes
   ///   or nests its elements deeper than the parser goes (98 of them for tinyxml2 9), when it is no
@@ -151,7 +154,8 @@ class ORVO_API Machine : public ISerializableXML {
   /// whatever numbers stand in it. Time n log n in its bytes.
   bool ReadXML(const std::wstring& path);
 
-  /// Writes a machine file: UTF-8, indented, with six decimals whatever the locale.
+  /// Writes a machine file: UTF-8, indented, with six decimals whatever the locale, and with the
+  /// words nan and inf for what is no number.
   ///
   /// @param path  the file's name; an existing file is replaced
   /// @return true when every byte was written; false otherwise, and when a program system has a

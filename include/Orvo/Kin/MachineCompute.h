@@ -29,6 +29,10 @@ struct RotariesSolution;
 /// Deliberate: for the two solvers, an axis whose register lies beyond a position that is shorter
 /// than an earlier one stands where the earlier one had it. Alloc() positions by the machine.
 ///
+/// Any doubles may stand in the machine, in positions and in requests. NaN and infinities pass
+/// through the arithmetic into the results and are no failure of their own; they leave nothing
+/// behind for the next call. A requested direction that holds NaN has no rotary solution.
+///
 /// An operation that fails returns false and keeps the cause as GetLastError(); a later success
 /// does not reset it. A copy is a second handle on the same calculator, caches and last error
 /// included. The machine must outlive every handle and its tree must not change meanwhile. One

@@ -11,7 +11,8 @@ namespace Orvo::Kin {
 /// One set of axis values of a machine: one double per register.
 ///
 /// Lengths are in the machine's unit, rotary values in degrees. Machine::Alloc gives a position its
-/// size. A plain value: a copy takes the contents.
+/// size. A plain value: a copy takes the contents. Any doubles may stand in it; the arithmetic is
+/// that of IEEE 754.
 ///
 /// Deliberate: the operators that return a new position are not const members; they are part of a
 /// frozen interface and do not change the object.

@@ -34,7 +34,8 @@ class ORVO_API ProgramSystemCompute {
   /// equivalent nearest the current value, by whole turns, and into the axis's range where that is
   /// checked; there, angles up to 0.01 radian below the lower limit and up to 0.0001 radian above
   /// the upper one are set to the limit; solutions outside the ranges are dropped; of two that are
-  /// left, the one with the smaller sum of moves comes first.
+  /// left, the one with the smaller sum of moves comes first. A current value or a limit that is
+  /// NaN or infinite moves no angle, and a limit that is NaN bounds none.
   ///
   /// @param pos  current axis values by register: lengths in the machine's unit, angles in degrees
   /// @param ijk  requested direction in the table's frame, from the tool tip towards the head
@@ -55,7 +56,8 @@ class ORVO_API ProgramSystemCompute {
                               const Vector3D& point, Vector3D* xyz);
 
   /// Tells whether the main linear axes stand within their ranges, limits included. Axes that
-  /// don't exist and axes whose range is not checked are within.
+  /// don't exist and axes whose range is not checked are within. NaN, as a value or as a limit, is
+  /// never outside.
   ///
   /// @param pos      axis values by register
   /// @param inRange  may be null; else three flags, for X, Y and Z
