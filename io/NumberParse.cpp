@@ -6,6 +6,7 @@
 #include <clocale>
 #include <cstdlib>
 #include <iterator>
+#include <new>
 #include <stdexcept>
 #include <system_error>
 
@@ -26,16 +27,30 @@ std::string ToAscii(const std::wstring& text) {
 }
 
 #if defined(_WIN32)
-double ParseInClassicLocale(const char* text, char** end) {
-  static const _locale_t classic = _create_locale(LC_ALL, "C");
-  return _strtod_l(text, end, classic);
-}
+using Locale = _locale_t;
+
+Locale MakeClassicLocale() { return _create_locale(LC_ALL, "C"); }
+
+double ParseIn(Locale locale, const char* text, char** end) { return _strtod_l(text, end, locale); }
 #else
-double ParseInClassicLocale(const char* text, char** end) {
-  static const locale_t classic = newlocale(LC_ALL_MASK, "C", nullptr);
-  return strtod_l(text, end, classic);
-}
+using Locale = locale_t;
+
+Locale MakeClassicLocale() { return newlocale(LC_ALL_MASK, "C", nullptr); }
+
+double ParseIn(Locale locale, const char* text, char** end) { return strtod_l(text, end, locale); }
 #endif
+
+// Made once; some systems need memory for it.
+Locale ClassicLocale() {
+  static const Locale classic = [] {
+    const Locale made = MakeClassicLocale();
+    if (made == nullptr) {
+      throw std::bad_alloc();
+    }
+    return made;
+  }();
+  return classic;
+}
 
 /// Sets errno to 0 and gives it back its value at the end.
 class ErrnoScope {
@@ -54,8 +69,9 @@ class ErrnoScope {
 double ParseDouble(const std::wstring& text) {
   const std::string ascii = ToAscii(text);
   const ErrnoScope errnoScope;
+  const Locale classic = ClassicLocale();
   char* end = nullptr;
-  const double value = ParseInClassicLocale(ascii.c_str(), &end);
+  const double value = ParseIn(classic, ascii.c_str(), &end);
   if (end == ascii.c_str()) {
     throw std::invalid_argument("invalid stod argument");
   }
