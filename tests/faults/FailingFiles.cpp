@@ -56,6 +56,10 @@ bool Fails(FileCall call) {
   }
   const bool isFirst = !wasMade;
   wasMade = true;
+  if (activeFault.event) {
+    activeFault.event();
+    return false;
+  }
   return isFirst || activeFault.isLasting;
 }
 

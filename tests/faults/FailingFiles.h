@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
 
 namespace Orvo::Testing {
@@ -43,6 +44,9 @@ struct FileFault {
 
   /// Whether all later calls of the kind fail as well.
   bool isLasting = false;
+
+  /// What happens before the call, which then doesn't fail; empty: it fails.
+  std::function<void()> event = {};
 };
 
 /// Fails one call of a kind from now: the next (0), the one after it (1), and so on. Until

@@ -237,6 +237,35 @@ TEST_F(FileFaults, MachineFileThatShrinksIsNotRead) {
   EXPECT_GT(place, 20U);
 }
 
+// A machine file that gets longer while it is read is read as it was or as it is.
+TEST_F(FileFaults, MachineFileThatGrowsIsReadWhollyOrNot) {
+  const std::wstring path = folder_.Wide("sample.xml");
+  const std::string whole = folder_.Read("sample.xml");
+  Machine sample;
+  ASSERT_TRUE(sample.ReadXML(path));
+  const std::string expected = Describe(sample);
+  for (const std::string& end : {std::string(100, ' '), std::string("<!-- more -->"),
+                                 std::string("<More/>"), std::string("</Machine>")}) {
+    for (const FileCall call : {FileCall::Open, FileCall::Read, FileCall::Seek, FileCall::Close}) {
+      bool hasGrown = true;
+      for (std::size_t place = 0; hasGrown; ++place) {
+        SCOPED_TRACE(testing::Message() << end << ", " << NameOf(call) << ", call " << place);
+        folder_.Write("sample.xml", whole);
+        Machine machine;
+        FailFileCall({call, 0, false, [&] { folder_.Write("sample.xml", whole + end); }}, place,
+                     BufferSize);
+        const bool isRead = machine.ReadXML(path);
+        hasGrown = AllowFileCalls().wasMade;
+        if (isRead) {
+          EXPECT_EQ(Describe(machine), expected);
+        } else {
+          EXPECT_EQ(end, "</Machine>");
+        }
+      }
+    }
+  }
+}
+
 // A mesh file that gets shorter is read like one that was so short from the beginning.
 TEST_F(FileFaults, MeshFileThatShrinksIsReadAsAShortOne) {
   const std::string whole = folder_.Read("sample_7_0.stl");

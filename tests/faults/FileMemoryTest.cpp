@@ -1,6 +1,7 @@
 #include "faults/Describe.h"
 #include "faults/MemorySweep.h"
 #include "faults/SampleMachine.h"
+#include "support/Sanitizers.h"
 #include "support/TemporaryFolder.h"
 
 #include <Orvo/Kin/Entity.h>
@@ -13,6 +14,11 @@
 #include <map>
 #include <memory>
 #include <string>
+
+#if defined(ORVO_TEST_HAS_ADDRESS_SANITIZER)
+extern "C" const char* __lsan_default_suppressions();
+extern "C" const char* __lsan_default_suppressions() { return "leak:libtinyxml2"; }
+#endif
 
 namespace Orvo::Testing {
 namespace {

@@ -1,6 +1,7 @@
 #include "MachineFiles.h"
 #include "StlBytes.h"
 #include "support/SameBits.h"
+#include "support/Sanitizers.h"
 #include "support/TemporaryFolder.h"
 #include "support/TestRandom.h"
 
@@ -25,14 +26,6 @@
 #include <unistd.h>
 
 #include <fstream>
-#endif
-
-#if defined(__SANITIZE_ADDRESS__)
-#define ORVO_TEST_HAS_ADDRESS_SANITIZER
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define ORVO_TEST_HAS_ADDRESS_SANITIZER
-#endif
 #endif
 
 #if defined(ORVO_TEST_HAS_ADDRESS_SANITIZER)

@@ -22,9 +22,9 @@ class FaultCounts {
     }
     std::ofstream stream(file, std::ios::app);
     for (const auto& [fault, endings] : counts_) {
-      stream << fault.first << ',' << fault.second;
+      stream << fault.first << '\t' << fault.second;
       for (const unsigned long count : endings) {
-        stream << ',' << count;
+        stream << '\t' << count;
       }
       stream << '\n';
     }

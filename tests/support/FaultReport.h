@@ -12,8 +12,8 @@ enum class FaultEnding {
 };
 
 /// Counts a fault that was injected. Where the environment variable ORVO_FAULT_REPORT names a file,
-/// the end of the program appends a line `operation,fault,threw,failed,completed` for each
-/// operation and fault; scripts/faults-report.sh makes a table of them.
+/// the end of the program appends a line of operation, fault and the counts of the three endings,
+/// separated by tabs, for each operation and fault; scripts/faults-report.sh makes a table of them.
 ///
 /// @param operation  what met the fault, for example "read a machine file"
 /// @param fault      its kind, for example "memory: one request"
