@@ -23,6 +23,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <functional>
 #include <list>
 #include <stdexcept>
 #include <string_view>
@@ -139,6 +140,7 @@ class Examination {
       Require(KinematicOracle::LinkError(entity, position) == Kin::ComputeErrorNone ||
                   parentFromEntity.IsIdentity(),
               "a link that fails gives the identity");
+      RequireLinkFrame(entity, position, parentFromEntity);
       Matrix43 worldFromEntity = NotAFrame();
       const Kin::MachineComputeErrorType expected = KinematicOracle::ElementError(entity, position);
       RequireOutcome(calculator_.ComputePositionEntity(entity, position, &worldFromEntity),
@@ -149,6 +151,29 @@ class Examination {
         Require(frames[place].IsSame(worldFromEntity, SameFrameTolerance),
                 "both ways give the same frame");
       }
+    }
+  }
+
+  // What each kind of link leaves where it was, or where it puts it.
+  static void RequireLinkFrame(const Entity& entity, const MachinePosition& position,
+                               Matrix43 parentFromEntity) {
+    if (!KinematicOracle::IsRigidLink(entity, position)) {
+      return;
+    }
+    const Kin::EntityLink& link = entity.GetEntityLink();
+    if (link.GetEntityLinkType() == Kin::EntityLinkTypePosition) {
+      Require(IsSameBits(parentFromEntity, link.GetPosition()), "a placement is taken as it is");
+    } else if (link.GetEntityLinkType() == Kin::EntityLinkTypeRotary) {
+      Require(parentFromEntity.ApplyToPoint(link.GetCenter())
+                      .IsSame(link.GetCenter(), SameFrameTolerance) &&
+                  parentFromEntity.ApplyToVector3D(link.GetDir())
+                      .IsSame(link.GetDir(), SameFrameTolerance),
+              "a turn leaves its axis");
+    } else if (link.GetEntityLinkType() == Kin::EntityLinkTypeLinear) {
+      const double travel = link.GetZeroRef() + position[entity.GetRegister()];
+      Vector3D dir = link.GetDir();
+      Require(parentFromEntity.GetTrans() == dir * travel && parentFromEntity.IsTranslation(),
+              "a travel goes along its direction");
     }
   }
 
@@ -183,6 +208,26 @@ class Examination {
       Require(!(std::fabs(angle.GetDegre()) > 180.001), "a raw angle is within half a turn");
     }
     RequireDirections(position, rotary, *solution);
+    RequireReached(position, rotary);
+  }
+
+  // Where the tool points now is a direction that the axes can reach.
+  void RequireReached(const MachinePosition& position, const RotaryRequest& rotary) {
+    Matrix43 tableFromTool;
+    if (!machine_->IsFinished() || rotary.r0 < 0 || rotary.r1 < 0 ||
+        !oracle_.IsRigidRotary(position, rotary) ||
+        !oracle_.AreApartOrParallel(&calculator_, position, rotary) ||
+        !calculator_.ComputeMcsToToolTcs(position, Kin::HeadIndex(rotary.tool.head),
+                                         Kin::TableIndex(rotary.tool.table), NullVector,
+                                         &tableFromTool)) {
+      return;
+    }
+    RotariesSolution solution;
+    Require(calculator_.ComputeToolIjkTcsToMcsAbc(
+                position, Kin::HeadIndex(rotary.tool.head), Kin::TableIndex(rotary.tool.table),
+                tableFromTool.GetW(), Register(rotary.r0), Register(rotary.r1), &solution) &&
+                solution.Count > 0,
+            "the direction in which the tool points can be reached");
   }
 
   // Puts each solution into the machine and looks where the tool points.
@@ -335,12 +380,17 @@ class Examination {
   void ExamineRanges(ProgramSystemCompute* solver, const MachinePosition& position,
                      const LinearRequest& linear, const Vector3D& xyz) {
     bool expected[3];
-    bool isExpected = oracle_.AreWithinRanges(linear, xyz, expected);
-    bool flags[3] = {!expected[0], !expected[1], !expected[2]};
-    Require(solver->CheckLinearRange(xyz, flags) == isExpected &&
-                solver->CheckLinearRange(xyz, nullptr) == isExpected &&
-                std::equal(flags, flags + 3, expected),
-            "values are held against the ranges");
+    bool flags[3];
+    bool isExpected = false;
+    for (const Vector3D& asked : {xyz, oracle_.Limits(linear, &Entity::GetRangeMin),
+                                  oracle_.Limits(linear, &Entity::GetRangeMax)}) {
+      isExpected = oracle_.AreWithinRanges(linear, asked, expected);
+      std::transform(expected, expected + 3, flags, std::logical_not<>());
+      Require(solver->CheckLinearRange(asked, flags) == isExpected &&
+                  solver->CheckLinearRange(asked, nullptr) == isExpected &&
+                  std::equal(flags, flags + 3, expected),
+              "values are held against the ranges");
+    }
 
     Vector3D values;
     bool isInPosition = true;

@@ -48,24 +48,6 @@ bool IsClean(const Vector3D& dir) {
   return IsNear(dir.Norm(), 1.0);
 }
 
-bool IsRigidLink(const Entity& entity, const MachinePosition& position) {
-  const EntityLink& link = entity.GetEntityLink();
-  switch (link.GetEntityLinkType()) {
-    case EntityLinkTypeLinear:
-      return IsNear(link.GetDir().Norm(), 1.0) && IsOrdinary(link.GetZeroRef()) &&
-             KinematicOracle::Holds(position, entity.GetRegister().GetVal()) &&
-             IsOrdinary(position[entity.GetRegister()]);
-    case EntityLinkTypeRotary:
-      return IsClean(link.GetDir()) && AreOrdinary(link.GetCenter()) &&
-             KinematicOracle::Holds(position, entity.GetRegister().GetVal()) &&
-             IsOrdinary(position[entity.GetRegister()]);
-    case EntityLinkTypePosition:
-      return IsRigidPlacement(link.GetPosition());
-    default:
-      return link.GetEntityLinkType() == EntityLinkTypeIdentity;
-  }
-}
-
 }  // namespace
 
 KinematicOracle::KinematicOracle(const Machine& machine) : machine_(&machine) {
@@ -239,6 +221,24 @@ bool KinematicOracle::IsOrdinary(const MachinePosition& position) {
   return true;
 }
 
+bool KinematicOracle::IsRigidLink(const Entity& entity, const MachinePosition& position) {
+  const EntityLink& link = entity.GetEntityLink();
+  switch (link.GetEntityLinkType()) {
+    case EntityLinkTypeLinear:
+      return IsNear(link.GetDir().Norm(), 1.0) && std::fabs(link.GetZeroRef()) <= Ordinary &&
+             Holds(position, entity.GetRegister().GetVal()) &&
+             std::fabs(position[entity.GetRegister()]) <= Ordinary;
+    case EntityLinkTypeRotary:
+      return IsClean(link.GetDir()) && AreOrdinary(link.GetCenter()) &&
+             Holds(position, entity.GetRegister().GetVal()) &&
+             std::fabs(position[entity.GetRegister()]) <= Ordinary;
+    case EntityLinkTypePosition:
+      return IsRigidPlacement(link.GetPosition());
+    default:
+      return link.GetEntityLinkType() == EntityLinkTypeIdentity;
+  }
+}
+
 bool KinematicOracle::IsRigid(const Entity& entity, const MachinePosition& position) {
   int depth = 0;
   for (const Entity* current = &entity; current != nullptr; current = current->GetParentEntity()) {
@@ -304,6 +304,37 @@ bool KinematicOracle::IsRigidRotary(const MachinePosition& position,
          (rotary.r1 < 0 || MovesOnce(rotary.tool, rotary.r1));
 }
 
+bool KinematicOracle::WorldDirection(MachineCompute* calculator, const Entity& axis,
+                                     const MachinePosition& position, Vector3D* dir) {
+  Matrix43 worldFromAxis;
+  if (!calculator->ComputePositionEntity(axis, position, &worldFromAxis)) {
+    return false;
+  }
+  *dir = worldFromAxis.ApplyToVector3D(axis.GetEntityLink().GetDir());
+  return true;
+}
+
+bool KinematicOracle::AreApartOrParallel(MachineCompute* calculator,
+                                         const MachinePosition& position,
+                                         const RotaryRequest& rotary) const {
+  std::vector<Vector3D> dirs;
+  for (const Entity* entity : Chain(rotary.tool)) {
+    const int reg = entity->GetRegister().GetVal();
+    Vector3D dir;
+    if (reg == rotary.r0 || reg == rotary.r1) {
+      if (!WorldDirection(calculator, *entity, position, &dir)) {
+        return false;
+      }
+      dirs.push_back(dir);
+    }
+  }
+  if (dirs.size() != 2) {
+    return false;
+  }
+  const double sine = (dirs[0] & dirs[1]).Norm();
+  return sine < 1e-7 || sine > 0.05;
+}
+
 bool KinematicOracle::IsRigidLinear(MachineCompute* calculator, const MachinePosition& position,
                                     const LinearRequest& linear) const {
   const Entity* const head = machine_->GetKinematic().GetEntityHead(HeadIndex(linear.tool.head));
@@ -323,12 +354,10 @@ bool KinematicOracle::IsRigidLinear(MachineCompute* calculator, const MachinePos
     }
     // The element that the register finds must be the one on the way.
     const std::vector<const Entity*> chain = Chain(linear.tool);
-    Matrix43 worldFromAxis;
     if (std::find(chain.begin(), chain.end(), axis) == chain.end() ||
-        !calculator->ComputePositionEntity(*axis, position, &worldFromAxis)) {
+        !WorldDirection(calculator, *axis, position, &dirs[i])) {
       return false;
     }
-    dirs[i] = worldFromAxis.ApplyToVector3D(axis->GetEntityLink().GetDir());
   }
   return AreRightAngled(dirs[0], dirs[1], dirs[2]);
 }
@@ -341,6 +370,16 @@ bool KinematicOracle::AreWithinRanges(const LinearRequest& linear, const Vector3
                (!(xyz[i] < axis->GetRangeMin()) && !(xyz[i] > axis->GetRangeMax()));
   }
   return flags[0] && flags[1] && flags[2];
+}
+
+Vector3D KinematicOracle::Limits(const LinearRequest& linear,
+                                 double (Entity::*limit)() const) const {
+  Vector3D limits;
+  for (int i = 0; i < 3; ++i) {
+    const Entity* const axis = machine_->GetKinematic().GetEntity(Register(linear.registers[i]));
+    limits[i] = axis == nullptr ? 0.0 : (axis->*limit)();
+  }
+  return limits;
 }
 
 }  // namespace Orvo::Fuzz

@@ -62,11 +62,19 @@ class KinematicOracle {
   static bool IsOrdinary(const Vector3D& v);
   static bool IsOrdinary(const Kin::MachinePosition& position);
 
+  /// Tells whether the frame of a link is rigid and of an ordinary size.
+  static bool IsRigidLink(const Kin::Entity& entity, const Kin::MachinePosition& position);
+
   /// Tells whether an element and those above it are placed by rigid frames of an ordinary size.
   static bool IsRigid(const Kin::Entity& entity, const Kin::MachinePosition& position);
 
   /// Tells whether the way from table to head is rigid and each requested axis turns it once.
   bool IsRigidRotary(const Kin::MachinePosition& position, const RotaryRequest& rotary) const;
+
+  /// Tells whether the two axes of a rigid way are parallel, or at an angle that is not next to
+  /// none.
+  bool AreApartOrParallel(Kin::MachineCompute* calculator, const Kin::MachinePosition& position,
+                          const RotaryRequest& rotary) const;
 
   /// Tells whether the way from table to head is rigid and the three axes stand on it once each,
   /// at right angles.
@@ -76,7 +84,14 @@ class KinematicOracle {
   /// Holds three values against the ranges of their axes.
   bool AreWithinRanges(const LinearRequest& linear, const Vector3D& xyz, bool* flags) const;
 
+  /// Returns a limit of each of three axes, 0 where there is no axis.
+  Vector3D Limits(const LinearRequest& linear, double (Kin::Entity::*limit)() const) const;
+
  private:
+  /// Computes the direction of an element's axis in the world; false where it has no frame.
+  static bool WorldDirection(Kin::MachineCompute* calculator, const Kin::Entity& axis,
+                             const Kin::MachinePosition& position, Vector3D* dir);
+
   /// The elements from the table to the common ancestor and on to the head; empty without one.
   std::vector<const Kin::Entity*> Chain(const ToolRequest& tool) const;
 
