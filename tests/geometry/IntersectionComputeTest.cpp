@@ -509,6 +509,23 @@ TEST(IntersectCirclePlane, PointsApartInEitherComponentAreTwo) {
   EXPECT_TRUE(NearVector(point2, Vector3D(-0.6, 0.8, 0), 1e-12));
 }
 
+// The components are compared, not the distance: a slanted chord may be longer than a level one.
+TEST(IntersectCirclePlane, SlantedPointsAreComparedByComponentToo) {
+  const IntersectionCompute compute(Tolerance, 0.0, 0.0, Tolerance, 0, 0, 0);
+  const double slope = std::sqrt(0.5);
+  for (const double halfChord : {0.0000068, 0.0000074}) {
+    SCOPED_TRACE(halfChord);
+    const double distance = std::sqrt(1 - halfChord * halfChord);
+    Vector3D point1;
+    Vector3D point2;
+    EXPECT_EQ(compute.IntersectCirclePlane(
+                  Plane3D({slope * distance, slope * distance, 0}, {slope, slope, 0}),
+                  Circle3D(NullVector, AxisZ, 1.0), &point1, &point2),
+              1);
+    EXPECT_EQ(point1[0] == point2[0] && point1[1] == point2[1], halfChord < 0.000005 / slope);
+  }
+}
+
 TEST(IntersectCirclePlane, ReadsItsOwnThreeTolerances) {
   const Circle3D circle(NullVector, AxisZ, 10.0);
   Vector3D point1;
