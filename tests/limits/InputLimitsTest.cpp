@@ -2,11 +2,15 @@
 #include "HostileInput.h"
 #include "support/TemporaryFolder.h"
 
+#include <Orvo/Kin/Entity.h>
+#include <Orvo/Kin/Machine.h>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstddef>
 #include <filesystem>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -56,6 +60,32 @@ TEST(InputLimits, HoldForEveryHostileInput) {
     }
     EXPECT_LT(run.peakBytes, OwnMemory + MemoryPerByte * bytes) << bytes << " bytes";
   }
+}
+
+// Where even the addresses of a lookup are refused, nothing has changed.
+TEST(InputLimits, FinishWithoutAddressesLeavesTheMachineAsItWas) {
+  const ChildRun run = RunInChild(
+      [] {
+        Kin::Machine machine;
+        Kin::Entity* const element = machine.AddEntityStatic(L"element", -1);
+        machine.Finish();
+        element->SetRegister(16777215);
+        try {
+          machine.Finish();
+          return 1;
+        } catch (const std::bad_alloc&) {
+        }
+        if (machine.GetRegisterNb() != 1 ||
+            machine.GetKinematic().GetEntity(Kin::EntityId(1)) != element) {
+          return 2;
+        }
+        element->SetRegister(5);
+        machine.Finish();
+        return machine.GetKinematic().GetEntity(Kin::Register(5)) == element ? 0 : 3;
+      },
+      120U << 20U);
+  EXPECT_TRUE(run.isEnded);
+  EXPECT_EQ(run.result, 0);
 }
 
 }  // namespace
