@@ -47,6 +47,9 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 FOLDERS = ("geometry", "model", "io", "compute")
 TEST_FOLDERS = FOLDERS + ("property", "faults", "limits")
 
+# Of all mutants, what a file with a single line gets.
+SMALLEST_SHARE = 1 / 300
+
 # Of the random tests each runs this share, in percent.
 CASE_SHARE = "2"
 
@@ -530,16 +533,16 @@ def shuffled_mutants(file, text, seed):
 
 class Draw:
     """Draws mutants so that each file's share of those counted follows its lines that offer any,
-    with at least two of every such file."""
+    and that no such file goes without. A longer draw goes on where a shorter one ends."""
 
-    def __init__(self, sources, seed, count):
+    def __init__(self, sources, seed):
         self.queues, self.weights = {}, {}
         for file, text in sources.items():
             queue, line_nb = shuffled_mutants(file, text, seed)
             if queue:
                 self.queues[file] = collections.deque(queue)
                 self.weights[file] = line_nb
-        least = 2 * sum(self.weights.values()) / max(count, 1)
+        least = SMALLEST_SHARE * sum(self.weights.values())
         self.weights = {file: max(weight, least) for file, weight in self.weights.items()}
         self.counted = collections.Counter()
 
@@ -870,7 +873,7 @@ def sentence(record):
 
 def run(workshop, results_path, arguments):
     sources = read_sources(workshop.tree)
-    draw = Draw(sources, arguments.seed, arguments.count)
+    draw = Draw(sources, arguments.seed)
     known = latest(read_results(results_path))
     counted = 0
     while counted < arguments.count:
