@@ -1,4 +1,4 @@
-// How the sanitizers behave in the fuzzers. A large allocation is refused, as by a system without
+// How sanitizers behave in these programs, where there are any. A large allocation is refused, as by a system without
 // room, for a sanitizer would touch an eighth of what the library only reserves; and little of what
 // was freed is kept back, so that the limit on memory measures the library.
 
