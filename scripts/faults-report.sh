@@ -34,23 +34,20 @@ done
 
 # Lines of the report: operation, kind and details of the fault, threw, failed, completed.
 print_table() {
-  awk -F '\t' -v title="$1" -v column="$2" '
-    function show(name, i) {
-      printf "%-30s %9d %9d %9d %9d\n", name, threw[i] + failed[i] + whole[i], threw[i], failed[i],
-        whole[i]
-    }
+  awk -F '\t' -v title="$1" -v column="$2" -v row='%-30s %9d %9d %9d %9d\n' '
     {
       key = column == 1 ? $1 : $2
       if (column == 2) sub(/:.*/, "", key)
-      threw[key] += $3; failed[key] += $4; whole[key] += $5
-      threw[""] += $3; failed[""] += $4; whole[""] += $5
+      all[key] += $3 + $4 + $5; threw[key] += $3; failed[key] += $4; whole[key] += $5
+      all[""] += $3 + $4 + $5; threw[""] += $3; failed[""] += $4; whole[""] += $5
     }
     END {
       printf "%-30s %9s %9s %9s %9s\n", title, "injected", "threw", "failed", "completed"
       fflush()
-      for (key in threw) if (key != "") show(key, key) | "sort"
+      for (key in all) if (key != "")
+        printf row, key, all[key], threw[key], failed[key], whole[key] | "sort"
       close("sort")
-      show("all", "")
+      printf row, "all", all[""], threw[""], failed[""], whole[""]
     }' "$report/faults"
 }
 
