@@ -1,6 +1,7 @@
-// How sanitizers behave in these programs, where there are any. A large allocation is refused, as by a system without
-// room, for a sanitizer would touch an eighth of what the library only reserves; and little of what
-// was freed is kept back, so that the limit on memory measures the library.
+// How sanitizers behave in these programs, where there are any. A large allocation is refused, as
+// by a system without room, for a sanitizer would touch an eighth of what the library only
+// reserves; and little of what was freed is kept back, so that the limit on memory measures the
+// library.
 
 extern "C" {
 
