@@ -22,7 +22,8 @@ InputFile::InputFile(std::string_view name)
 void InputFile::Write(std::string_view bytes) const {
   std::FILE* const file = std::fopen(path_.c_str(), "wb");
   Require(file != nullptr, "the folder for temporary files takes a file");
-  const bool isWritten = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
+  const bool isWritten =
+      bytes.empty() || std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
   Require(std::fclose(file) == 0 && isWritten, "the folder for temporary files has room");
 }
 
