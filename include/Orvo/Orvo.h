@@ -27,3 +27,4 @@
 #include <Orvo/Mesh.h>
 #include <Orvo/Simd128.h>
 #include <Orvo/Vector3D.h>
+#include <Orvo/Version.h>

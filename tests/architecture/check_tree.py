@@ -89,6 +89,11 @@ def is_standard(name):
     return re.fullmatch(r"[a-z0-9_]+", name) is not None
 
 
+def is_public_header(root, name):
+    """Public headers lie in include/, or are made of what lies there."""
+    return any((root / "include" / (name + suffix)).is_file() for suffix in ("", ".in"))
+
+
 def check_library_include(root, layer, file, quote, name):
     """The fault of one include line of the library, or None."""
     if quote == '"':
@@ -97,7 +102,7 @@ def check_library_include(root, layer, file, quote, name):
             return f'{layer} may not include "{name}"'
         return None if (root / name).is_file() else f'"{name}" is no file of the project'
     if name.startswith("Orvo/"):
-        return None if (root / "include" / name).is_file() else f"<{name}> is no public header"
+        return None if is_public_header(root, name) else f"<{name}> is no public header"
     for pattern, folders in THIRD_PARTY:
         if pattern.match(name):
             return None if layer in folders else f"{layer} may not include <{name}>"
@@ -123,7 +128,7 @@ def check_include_directions(root):
                 beside = (root / file).parent / name
                 private = name.split("/")[0] in LAYERS or name.startswith("tests/")
                 if name.startswith("Orvo/"):
-                    good = quote == "<" and (root / "include" / name).is_file()
+                    good = quote == "<" and is_public_header(root, name)
                 elif quote == '"':
                     good = beside.is_file() or (name.startswith("support/")
                                                 and folder.startswith("tests/"))

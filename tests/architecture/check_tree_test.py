@@ -13,7 +13,9 @@ REMINDER = "TO" "DO"
 
 # A file's text, and what each rule must find in it: the line numbers.
 FILES = {
-    "include/Orvo/Good.h": ("#include <Orvo/Simd128.h>\n#include <vector>\n", {}),
+    "include/Orvo/Good.h": ("#include <Orvo/Simd128.h>\n#include <Orvo/Made.h>\n#include <vector>\n",
+                            {}),
+    "include/Orvo/Made.h.in": ("#define ORVO_MADE @MADE@\n", {}),
     "include/Orvo/Simd128.h": ("#include <emmintrin.h>\n", {}),
     "include/Orvo/Bad.h": (
         '#include "geometry/Kernel.h"\n#include <Orvo/Gone.h>\n#include <emmintrin.h>\n'
@@ -37,7 +39,8 @@ FILES = {
         {"include-directions": [5, 6]}),
     "tools/orvo/Main.cpp": (
         '#include <Orvo/Good.h>\n#include "Beside.h"\n#include <CLI/CLI.hpp>\n'
-        '#include "geometry/Kernel.h"\n#include <geometry/Kernel.h>\n#include <Orvo/Gone.h>\n',
+        '#include "geometry/Kernel.h"\n#include <geometry/Kernel.h>\n#include <Orvo/Gone.h>\n'
+        '#include <Orvo/Made.h>\n',
         {"include-directions": [4, 5, 6]}),
     "tools/orvo/Beside.h": ("#include <iostream>\n", {}),
     "tests/interface/CallTest.cpp": (

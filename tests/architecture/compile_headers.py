@@ -1,6 +1,6 @@
 """Compiles every public header alone, and twice, in a source of its own; warnings are errors.
 
-usage: compile_headers.py INCLUDE_FOLDER COMPILER STANDARD
+usage: compile_headers.py COMPILER STANDARD INCLUDE_FOLDER...
 """
 
 import pathlib
@@ -11,16 +11,21 @@ WARNINGS = ["-Wall", "-Wextra", "-Wpedantic", "-Wshadow", "-Wconversion", "-Wsig
 
 
 def main():
-    include_folder, compiler, standard = sys.argv[1:]
-    root = pathlib.Path(include_folder)
-    headers = sorted(path.relative_to(root).as_posix() for path in root.rglob("*.h"))
-    if not headers:
-        sys.exit(f"no header in {root}")
+    compiler, standard, *include_folders = sys.argv[1:]
+    headers = []
+    include_flags = []
+    for folder in include_folders:
+        root = pathlib.Path(folder)
+        found = sorted(path.relative_to(root).as_posix() for path in root.rglob("*.h"))
+        if not found:
+            sys.exit(f"no header in {root}")
+        headers += found
+        include_flags += ["-I", folder]
     failed = 0
     for header in headers:
         source = f"#include <{header}>\n#include <{header}>\n"
         command = [compiler, f"-std=c++{standard}", *WARNINGS, "-Werror", "-fsyntax-only",
-                   "-I", include_folder, "-x", "c++", "-"]
+                   *include_flags, "-x", "c++", "-"]
         result = subprocess.run(command, input=source, text=True, stderr=subprocess.STDOUT,
                                 stdout=subprocess.PIPE, check=False)
         if result.returncode != 0:

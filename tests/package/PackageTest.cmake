@@ -84,6 +84,7 @@ elseif(STEP STREQUAL "inspect")
     GLOB_RECURSE wanted
     RELATIVE ${SOURCE_DIR}/include
     ${SOURCE_DIR}/include/*)
+  list(TRANSFORM wanted REPLACE "\\.in$" "")
   file(
     GLOB_RECURSE found
     RELATIVE ${PREFIX}/include
@@ -92,6 +93,11 @@ elseif(STEP STREQUAL "inspect")
   list(SORT found)
   if(NOT wanted STREQUAL found)
     message(FATAL_ERROR "installed headers:\n${found}\npublic headers:\n${wanted}")
+  endif()
+  # The made one says the project's version.
+  file(STRINGS ${PREFIX}/include/Orvo/Version.h version REGEX "^#define ORVO_VERSION_STRING ")
+  if(NOT version STREQUAL "#define ORVO_VERSION_STRING \"${VERSION}\"")
+    message(FATAL_ERROR "Orvo/Version.h says ${version} and not ${VERSION}")
   endif()
   # No file names the folders where the library was built.
   file(GLOB_RECURSE texts ${PREFIX}/*.cmake ${PREFIX}/*.pc)

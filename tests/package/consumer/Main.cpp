@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdio>
 #include <iostream>
+#include <sstream>
 #include <stdexcept>
 
 namespace {
@@ -25,6 +26,11 @@ long Thousandths(double value) { return std::lround(value * 1000.0); }
 }  // namespace
 
 int main() {
+  std::ostringstream version;
+  version << ORVO_VERSION_MAJOR << '.' << ORVO_VERSION_MINOR << '.' << ORVO_VERSION_PATCH;
+  std::cout << "the version's numbers and text agree: " << (version.str() == ORVO_VERSION_STRING)
+            << '\n';
+
   Machine machine;
   const EntityId bed = machine.AddEntityStatic(L"bed", -1)->GetEntityId();
   const EntityId x = Axis(machine.AddEntityLinear(L"X", bed, AxisX), 0, 500.0);
