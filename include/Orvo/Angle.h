@@ -18,7 +18,10 @@ class ORVO_API Angle {
   /// Makes an angle of the given radians. Implicit, so that a plain number is an angle in radians.
   Angle(double radians);
 
+  /// Copies the radians.
   Angle(const Angle& other);
+
+  /// Copies the radians.
   Angle& operator=(const Angle& other);
   virtual ~Angle();
 

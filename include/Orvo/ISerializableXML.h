@@ -15,7 +15,11 @@ class XMLWriter;
 class ORVO_API ISerializableXML {
  public:
   ISerializableXML() = default;
+
+  /// Copies nothing: there are no contents here.
   ISerializableXML(const ISerializableXML& other) = default;
+
+  /// Assigns nothing.
   ISerializableXML& operator=(const ISerializableXML& other) = default;
 
  protected:

@@ -74,9 +74,11 @@ class ORVO_API Matrix43 {
   /// Null changes nothing.
   Matrix43& operator=(const double* p);
 
+  /// @{
   /// Returns the address of U.x; the other 15 doubles follow.
   operator double*() { return elements_; }
   operator const double*() const { return elements_; }
+  /// @}
 
   /// Returns the eight lanes, aligned to 16 bytes.
   const __m128d* Get_m128d() const { return reinterpret_cast<const __m128d*>(elements_); }
@@ -84,11 +86,13 @@ class ORVO_API Matrix43 {
   /// Makes this the identity, values and kind.
   void SetIdentity();
 
+  /// @{
   /// Returns column U, V, W or T: its x, y, z, with w 0.0.
   Vector3D GetU();
   Vector3D GetV();
   Vector3D GetW();
   Vector3D GetTrans();
+  /// @}
 
   /// Sets the three direction columns, four components each; T stays. The kind becomes `Rotation`.
   ///

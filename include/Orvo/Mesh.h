@@ -23,10 +23,15 @@ class ORVO_API Mesh {
  public:
   /// Makes an empty mesh: null arrays, counts 0.
   Mesh();
+
+  /// Makes a second mesh on the same arrays.
   Mesh(const Mesh& other);
+
+  /// Lets go of the own arrays and shares those of the other mesh.
   Mesh& operator=(const Mesh& other);
   virtual ~Mesh();
 
+  /// @{
   /// Makes a new array of @p n elements, all zero, and returns it. An array made earlier for the
   /// same member stays alive with the mesh: a mesh is meant to be filled once.
   /// @throws std::bad_alloc when there is no memory; the mesh is unchanged
@@ -35,20 +40,25 @@ class ORVO_API Mesh {
   Vector3D* AllocTabVertices(unsigned int n);
   unsigned int* AllocTabINormal(unsigned int n);
   Vector3D* AllocTabNormals(unsigned int n);
+  /// @}
 
+  /// @{
   /// Returns an array, or null where none was made.
   const unsigned int* GetTabNVerts() const;
   const unsigned int* GetTabIVertex() const;
   const Vector3D* GetTabVertices() const;
   const unsigned int* GetTabINormal() const;
   const Vector3D* GetTabNormals() const;
+  /// @}
 
+  /// @{
   /// Returns the number of elements of an array.
   unsigned int GetDimNVerts() const;
   unsigned int GetDimIVertex() const;
   unsigned int GetDimVertices() const;
   unsigned int GetDimINormal() const;
   unsigned int GetDimNormals() const;
+  /// @}
 
  private:
   void* Alloc(unsigned int n, unsigned int elementSize);

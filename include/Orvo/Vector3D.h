@@ -53,6 +53,8 @@ class ORVO_API Vector3D {
 
   /// Copies all four components.
   constexpr Vector3D(const Vector3D& other) = default;
+
+  /// Copies all four components.
   Vector3D& operator=(const Vector3D& other) = default;
 
   /// Takes x, y, z from three doubles; w becomes 0.0.
@@ -90,13 +92,17 @@ class ORVO_API Vector3D {
   /// Returns the two lanes, aligned to 16 bytes.
   const __m128d* Get_m128d() const { return reinterpret_cast<const __m128d*>(components_); }
 
+  /// @{
   /// Returns the address of x; y, z and w follow.
   operator double*() { return components_; }
   operator const double*() const { return components_; }
+  /// @}
 
+  /// @{
   /// Returns component @p i: 0 to 2 are x, y, z and 3 is w. Not checked.
   double& operator[](int i) { return components_[i]; }
   double operator[](int i) const { return components_[i]; }
+  /// @}
 
   /// Returns 1 when x, y and z are exactly equal, else 0. NaN equals nothing.
   /// There is no `!=`: write `!(a == b)`, since `a != b` compares addresses in C++17.

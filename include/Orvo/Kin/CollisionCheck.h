@@ -26,27 +26,37 @@ class ORVO_API CollisionCheck {
  public:
   /// Makes five empty sets.
   CollisionCheck();
+
+  /// Makes a second handle on the same sets.
   CollisionCheck(const CollisionCheck& other);
+
+  /// Lets go of the own sets and becomes a second handle on those of the other.
   CollisionCheck& operator=(const CollisionCheck& other);
   virtual ~CollisionCheck();
 
+  /// @{
   /// Puts an element into a set, at the end, or takes it out.
   void SetMachineStock(const EntityId& id, bool on);
   void SetMachinePart(const EntityId& id, bool on);
   void SetMachineFixture(const EntityId& id, bool on);
   void SetMachineTool(const EntityId& id, bool on);
+  /// @}
 
+  /// @{
   /// Tells whether an element is in a set.
   bool GetMachineStock(const EntityId& id) const;
   bool GetMachinePart(const EntityId& id) const;
   bool GetMachineFixture(const EntityId& id) const;
   bool GetMachineTool(const EntityId& id) const;
+  /// @}
 
+  /// @{
   /// Replaces @p out by the elements of a set in their order; null is ignored.
   void GetListMachineStock(std::list<EntityId>* out) const;
   void GetListMachinePart(std::list<EntityId>* out) const;
   void GetListMachineFixture(std::list<EntityId>* out) const;
   void GetListMachineTool(std::list<EntityId>* out) const;
+  /// @}
 
   /// Puts an unordered pair into the set of pairs, at the end, or takes it out. An element is never
   /// paired with itself.

@@ -26,6 +26,8 @@ class ORVO_API EntityLink : public ISerializableXML {
  public:
   /// Makes a link of the type UNDEF: null center and direction, identity frame, zeros.
   EntityLink();
+
+  /// Copies everything, all slots included.
   EntityLink(const EntityLink& other);
 
   /// Copies everything, all slots included.
@@ -43,6 +45,7 @@ class ORVO_API EntityLink : public ISerializableXML {
   /// Makes this a fixed placement: @p position is parentFromElement.
   void SetEntityLinkPosition(const Matrix43& position);
 
+  /// @{
   /// Stores a zero reference, a lower or an upper limit; nothing is checked.
   void SetZeroRef(unsigned int slot, double value);
   void SetZeroRef(double value);
@@ -50,6 +53,7 @@ class ORVO_API EntityLink : public ISerializableXML {
   void SetRangeMin(double value);
   void SetRangeMax(unsigned int slot, double value);
   void SetRangeMax(double value);
+  /// @}
 
   /// Returns the kind of joint.
   const EntityLinkType& GetEntityLinkType() const;
@@ -63,6 +67,7 @@ class ORVO_API EntityLink : public ISerializableXML {
   /// Returns the fixed placement, parentFromElement.
   const Matrix43& GetPosition() const;
 
+  /// @{
   /// Returns a zero reference or a limit.
   double GetZeroRef(unsigned int slot) const;
   double GetZeroRef() const;
@@ -70,6 +75,7 @@ class ORVO_API EntityLink : public ISerializableXML {
   double GetRangeMin() const;
   double GetRangeMax(unsigned int slot) const;
   double GetRangeMax() const;
+  /// @}
 
  protected:
   bool SerializeXML(XMLWriter& writer, XMLElement* parent) override;

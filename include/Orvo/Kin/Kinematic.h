@@ -28,7 +28,11 @@ class ORVO_API Kinematic : public ISerializableXML {
  public:
   /// Makes an empty store.
   Kinematic();
+
+  /// Makes a second handle on the same store.
   Kinematic(const Kinematic& other);
+
+  /// Lets go of the own store and becomes a second handle on that of the other.
   Kinematic& operator=(const Kinematic& other);
   ~Kinematic() override;
 
@@ -54,6 +58,7 @@ class ORVO_API Kinematic : public ISerializableXML {
   bool SerializeXML(XMLWriter& writer, XMLElement* parent) override;
   bool DeserializeXML(XMLReader& reader, XMLElement* parent) override;
 
+  /// @{
   /// Hand out the list and the lookups for change in place. A lookup by id or by register becomes
   /// a vector for that, with memory for every number up to the largest one.
   std::list<Entity>* GetListEntityMod();
@@ -61,6 +66,7 @@ class ORVO_API Kinematic : public ISerializableXML {
   std::vector<const Entity*>* GetVectorSortedByRegisterMod();
   std::vector<const Entity*>* GetVectorHeadMod();
   std::vector<const Entity*>* GetVectorTableMod();
+  /// @}
 
  private:
   std::shared_ptr<KinematicImplementation> implementation_;

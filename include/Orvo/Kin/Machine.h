@@ -36,7 +36,11 @@ class ORVO_API Machine : public ISerializableXML {
  public:
   /// Makes an empty machine; the counts by index type read -1 until Finish().
   Machine();
+
+  /// Shares elements, program systems and collision lists; copies counts, flag and last error.
   Machine(const Machine& other);
+
+  /// Does the same, and lets go of what this machine held.
   Machine& operator=(const Machine& other);
   ~Machine() override;
 
@@ -62,10 +66,12 @@ class ORVO_API Machine : public ISerializableXML {
   /// @return the element, or null when the machine is finished
   Entity* AddEntityStatic(const std::wstring& name, const EntityId& parent);
 
+  /// @{
   /// Appends a head or a table; @p frame is parentFromElement. Its range is not checked.
   /// @return the element, or null when the machine is finished
   Entity* AddEntityHead(const std::wstring& name, const EntityId& parent, const Matrix43& frame);
   Entity* AddEntityTable(const std::wstring& name, const EntityId& parent, const Matrix43& frame);
+  /// @}
 
   /// Appends a copy of a program system, to a finished machine too; nothing is checked.
   void AddProgramSystem(const ProgramSystem& ps);
@@ -103,9 +109,11 @@ class ORVO_API Machine : public ISerializableXML {
   /// Returns the store of the elements.
   const Kinematic& GetKinematic() const;
 
+  /// @{
   /// Returns the lists of the collision check.
   const CollisionCheck& GetCollisionCheck() const;
   CollisionCheck& GetCollisionCheckMod();
+  /// @}
 
   /// Returns the number of registers: the largest register + 1, at least 1; -1 before Finish().
   const Register& GetRegisterNb() const;
@@ -116,9 +124,11 @@ class ORVO_API Machine : public ISerializableXML {
   /// Returns the largest id; -1 before Finish().
   EntityId GetEntityIdMax();
 
+  /// @{
   /// Returns the number of tables or heads; -1 before Finish().
   const TableIndex& GetTableNb() const;
   const HeadIndex& GetHeadNb() const;
+  /// @}
 
   /// Returns the number of AXIS elements with a LINEAR link; 0 before Finish().
   int GetLinearAxesNb() const;

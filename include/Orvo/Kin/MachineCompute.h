@@ -41,7 +41,11 @@ class ORVO_API MachineCompute {
  public:
   /// Makes a calculator of a machine. Whether it is finished is asked by the operations.
   MachineCompute(const Machine& machine);
+
+  /// Makes a second handle on the same calculator.
   MachineCompute(const MachineCompute& other);
+
+  /// Lets go of the own calculator and becomes a second handle on the other.
   MachineCompute& operator=(const MachineCompute& other);
   virtual ~MachineCompute();
 

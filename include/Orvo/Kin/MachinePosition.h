@@ -43,10 +43,12 @@ class ORVO_API MachinePosition {
   /// Returns the number of elements.
   unsigned long long Size() const;
 
+  /// @{
   /// Returns an element.
   /// @throws std::out_of_range when the register is below 0, or not below Size()
   double& operator[](const Register& r);
   const double& operator[](const Register& r) const;
+  /// @}
 
   /// Returns the sum by element. Deliberate: where the sizes differ, a copy of this comes back.
   MachinePosition operator+(const MachinePosition& b);

@@ -24,12 +24,21 @@ class ORVO_API ProgramSystem : public ISerializableXML {
   ///
   /// Deliberate: its policy is `RotariesComputeShortestWay`, not the value called "Default".
   ProgramSystem();
+
+  /// Copies everything.
   ProgramSystem(const ProgramSystem& other);
+
+  /// Copies everything.
   ProgramSystem& operator=(const ProgramSystem& other);
   ~ProgramSystem() override;
 
+  /// Sets the name: any text, unique or not.
   void SetProgramSystemName(const std::wstring& name);
+
+  /// Sets the table that carries the workpiece, by its place among the machine's tables.
   void SetTableIndex(const TableIndex& table);
+
+  /// Sets the head that carries the tool, by its place among the machine's heads.
   void SetHeadIndex(const HeadIndex& head);
 
   /// Sets the registers of the main linear axes.
@@ -41,8 +50,13 @@ class ORVO_API ProgramSystem : public ISerializableXML {
   /// Sets how rotary solutions are chosen.
   void SetRotariesCompute(RotariesCompute rotariesCompute);
 
+  /// Returns the name.
   const std::wstring& GetProgramSystemName() const;
+
+  /// Returns the table, or an undefined index.
   const TableIndex& GetTableIndex() const;
+
+  /// Returns the head, or an undefined index.
   const HeadIndex& GetHeadIndex() const;
 
   /// Returns the register of the main X (0), Y (1) or Z (2) axis.
@@ -55,6 +69,7 @@ class ORVO_API ProgramSystem : public ISerializableXML {
   /// Deliberate: any other index, negative ones included, gives element 0.
   const Register& GetMainRotary(int i) const;
 
+  /// Returns how rotary solutions are chosen.
   RotariesCompute GetRotariesCompute();
 
  protected:

@@ -21,8 +21,14 @@ struct ProgramSystemComputeImplementation;
 /// One thread per object.
 class ORVO_API ProgramSystemCompute {
  public:
+  /// Makes a solver for a machine, which has to outlive it, and a copy of a program system. Nothing
+  /// is checked here: the operations meet what is missing.
   ProgramSystemCompute(const Machine& machine, const ProgramSystem& programSystem);
+
+  /// Makes a second handle on the same solver.
   ProgramSystemCompute(const ProgramSystemCompute& other);
+
+  /// Lets go of the own solver and becomes a second handle on the other.
   ProgramSystemCompute& operator=(const ProgramSystemCompute& other);
   virtual ~ProgramSystemCompute();
 

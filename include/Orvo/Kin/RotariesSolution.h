@@ -18,9 +18,16 @@ struct ORVO_API RotariesSolution {
   /// The register of an axis whose value is arbitrary because the direction lies on it, or -1.
   int FreeRegister = -1;
 
+  /// The value of the first rotary axis in the first solution; read it with the count 1 or 2.
   Angle Alpha1;
+
+  /// The value of the second rotary axis in the first solution.
   Angle Beta1;
+
+  /// The value of the first rotary axis in the second solution; read it with the count 2 only.
   Angle Alpha2;
+
+  /// The value of the second rotary axis in the second solution.
   Angle Beta2;
 };
 

@@ -18,9 +18,11 @@ class ORVO_API TableIndex {
   /// Tells whether the value is 0 or more.
   constexpr bool IsDefined() const { return value_ >= 0; }
 
+  /// @{
   /// Returns the number.
   constexpr int GetVal() const { return value_; }
   constexpr operator int() const { return value_; }
+  /// @}
 
   /// Compares the numbers.
   constexpr bool operator>(const TableIndex& other) const { return value_ > other.value_; }
