@@ -15,7 +15,7 @@ packages="
 "
 ci_packages="
   git clang-14 clang libclang-rt-14-dev llvm-14 valgrind clang-format-14 cmake-format gcovr ccache
-  libbenchmark-dev libeigen3-dev
+  libbenchmark-dev libeigen3-dev doxygen
 "
 benchmark_packages="
   libbenchmark-dev libeigen3-dev liborocos-kdl-dev libassimp-dev
