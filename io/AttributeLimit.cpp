@@ -109,7 +109,7 @@ bool IsWithinAttributeLimit(ByteSource* source, std::size_t size) {
     }
     size = present < wanted ? 0 : size - present;
   }
-  return true;
+  return !source->HasFailed();
 }
 
 }  // namespace Orvo

@@ -65,12 +65,33 @@ std::size_t CountDescriptors() {
   return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
 }
 
-/// Carries out an operation again and again with each of its calls on files failing in each way.
-/// `operate` is handed to `check` with how it ended, for one look at what is there.
+/// Tells whether an operation must not end well after a fault. All bytes may have come before a
+/// file that is read fails to go back or to close, and what gives half of the bytes is asked again.
+bool MustBeSaid(const FileFault& fault, bool isReading) {
+  switch (fault.call) {
+    case FileCall::Open:
+    case FileCall::Write:
+    case FileCall::StreamSeek:
+    case FileCall::StreamTell:
+      return true;
+    case FileCall::Read:
+      return fault.error != 0;
+    case FileCall::Seek:
+    case FileCall::Close:
+    case FileCall::StreamFlush:
+    case FileCall::StreamClose:
+      return !isReading;
+  }
+  return true;
+}
+
+/// Carries out an operation again and again with each of its calls on files failing in each way,
+/// and has a look at what is there, which is told how the operation ended.
 ///
 /// @return how many faults were met
 template <typename Operate, typename Check>
-std::size_t FailEachFileCall(const std::string& operation, Operate operate, Check check) {
+std::size_t FailEachFileCall(const std::string& operation, bool isReading, Operate operate,
+                             Check check) {
   std::size_t faultNb = 0;
   for (const NamedFault& fault : AllFaults()) {
     for (std::size_t place = 0;; ++place) {
@@ -83,7 +104,10 @@ std::size_t FailEachFileCall(const std::string& operation, Operate operate, Chec
       EXPECT_EQ(CountDescriptors(), descriptorNb);
       EXPECT_NE(ending, FaultEnding::Threw);
       EXPECT_TRUE(result.wasMade || ending == FaultEnding::Completed);
-      check(ending, fault.fault);
+      if (result.wasMade && MustBeSaid(fault.fault, isReading)) {
+        EXPECT_EQ(ending, FaultEnding::Failed) << "it failed, and nothing was said";
+      }
+      check(ending);
       if (!result.wasMade || testing::Test::HasFailure()) {
         break;
       }
@@ -111,8 +135,8 @@ class FileFaults : public testing::Test {
     const std::string expected = describe(*whole);
     auto subject = std::make_unique<Subject>();
     return FailEachFileCall(
-        operation, [&] { return readInto(*subject); },
-        [&](FaultEnding ending, const FileFault&) {
+        operation, true, [&] { return readInto(*subject); },
+        [&](FaultEnding ending) {
           if (ending == FaultEnding::Completed) {
             EXPECT_EQ(describe(*subject), expected);
           } else {
@@ -145,7 +169,7 @@ class FileFaults : public testing::Test {
       }
     };
     removeAll();
-    return FailEachFileCall(operation, write, [&](FaultEnding ending, const FileFault&) {
+    return FailEachFileCall(operation, false, write, [&](FaultEnding ending) {
       if (ending == FaultEnding::Completed) {
         expectWhole();
       } else {
@@ -244,9 +268,8 @@ TEST_F(FileFaults, MachineFileThatGrowsIsReadWhollyOrNot) {
   Machine sample;
   ASSERT_TRUE(sample.ReadXML(path));
   const std::string expected = Describe(sample);
-  for (const std::string& end : {std::string(100, ' '), std::string("<!-- more -->"),
-                                 std::string("<More/>"), std::string("</Machine>")}) {
-    for (const FileCall call : {FileCall::Open, FileCall::Read, FileCall::Seek, FileCall::Close}) {
+  for (const std::string& end : {std::string("<!-- more -->"), std::string("</Machine>")}) {
+    for (const FileCall call : {FileCall::Read, FileCall::Seek}) {
       bool hasGrown = true;
       for (std::size_t place = 0; hasGrown; ++place) {
         SCOPED_TRACE(testing::Message() << end << ", " << NameOf(call) << ", call " << place);
