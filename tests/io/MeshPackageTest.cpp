@@ -186,6 +186,59 @@ TEST(MeshPackage, MeshesThatTheMachineHeldAreReadToo) {
   EXPECT_FALSE(nullMesh.ReadMachineWithMeshStl(folder.Wide("mill.xml")));
 }
 
+// One file of many elements makes no more memory than it has bytes.
+TEST(MeshPackage, ElementsOfEqualIdsShareTheArraysOfTheirFile) {
+  const TemporaryFolder folder;
+  Machine machine;
+  for (int i = 0; i < 3; ++i) {
+    AddTriangle(machine.AddEntityStatic(L"element", -1), 0, 5);
+    AddTriangle(machine.AddEntityStatic(L"element", -1), 0, 5);
+  }
+  ASSERT_TRUE(machine.WriteXML(folder.Wide("mill.xml")));
+  std::string text = folder.Read("mill.xml");
+  for (const char* const id : {"2", "4", "6"}) {
+    text = Replaced(text, "<Id>" + std::string(id) + "</Id>", "<Id>9</Id>");
+  }
+  folder.Write("mill.xml", text);
+  for (const int id : {1, 3, 5, 9}) {
+    folder.Write("mill_" + std::to_string(id) + "_0.stl",
+                 StlHeader(1) + CountingRecord(static_cast<float>(id)));
+  }
+  Machine read;
+  ASSERT_TRUE(read.ReadMachineWithMeshStl(folder.Wide("mill.xml")));
+  for (int i = 0; i < 6; ++i) {
+    const Entity& entity = EntityAt(read, i);
+    const Mesh& mesh = *entity.GetEntityMesh()->GetMesh(0);
+    ASSERT_EQ(mesh.GetDimNVerts(), 1U);
+    EXPECT_EQ(mesh.GetTabNormals()[0][0], static_cast<double>(entity.GetEntityId().GetVal()));
+    const Mesh& other = *EntityAt(read, 1).GetEntityMesh()->GetMesh(0);
+    EXPECT_EQ(mesh.GetTabVertices() == other.GetTabVertices(), i % 2 == 1);
+  }
+  // What one of them is given afterwards is its own.
+  folder.Write("other.stl", StlHeader(1) + CountingRecord(70));
+  ASSERT_TRUE(EntityModAt(read, 1).GetEntityMeshMod()->ReadCadStlBin(folder.Wide("other.stl"), 0));
+  EXPECT_EQ(EntityAt(read, 1).GetEntityMesh()->GetMesh(0)->GetTabNormals()[0][0], 70.0);
+  EXPECT_EQ(EntityAt(read, 3).GetEntityMesh()->GetMesh(0)->GetTabNormals()[0][0], 9.0);
+}
+
+// Arrays that a mesh had handed out stay alive, also where its file was read for another element.
+TEST(MeshPackage, MeshesThatHeldArraysKeepThem) {
+  const TemporaryFolder folder;
+  Machine machine;
+  for (int i = 0; i < 2; ++i) {
+    AddTriangle(machine.AddEntityStatic(L"element", -1), 10 + i, 5);
+    SetId(EntityModAt(machine, i), 9);
+  }
+  const Vector3D* const before = EntityAt(machine, 1).GetEntityMesh()->GetMesh(0)->GetTabVertices();
+  folder.Write("mill.xml", MachineText(""));
+  folder.Write("mill_9_0.stl", StlHeader(1) + CountingRecord(9));
+  ASSERT_TRUE(machine.ReadMachineWithMeshStl(folder.Wide("mill.xml")));
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_EQ(EntityAt(machine, i).GetEntityMesh()->GetMesh(0)->GetTabNormals()[0][0], 9.0);
+  }
+  EXPECT_EQ(before[0][0], 11.0);
+}
+
 TEST(MeshPackage, MachineWithoutMeshesIsItsFile) {
   const TemporaryFolder folder;
   Machine machine;

@@ -230,6 +230,22 @@ class InputList {
                        true});
   }
 
+  // Elements of one id, and so with one mesh file.
+  void AddSharedMesh(const std::string& name, int elements, int triangles) {
+    inputs_.push_back(
+        {name,
+         Kind::Package,
+         [elements, triangles](const TemporaryFolder& folder) {
+           Element element;
+           element.more = Meshes(1);
+           folder.Write("input.xml",
+                        MachineText(WholeMachine() + Repeated(Text(element), elements)));
+           folder.Write("input_1_0.stl", Stl(static_cast<std::uint32_t>(triangles), triangles));
+         },
+         {Ending::True},
+         true});
+  }
+
   std::vector<HostileInput> Take() { return std::move(inputs_); }
 
  private:
@@ -441,6 +457,7 @@ void AddMeshes(InputList* list) {
   list->AddMesh("mesh of 1000000 triangles, all there", {Ending::True},
                 static_cast<std::uint32_t>(triangles), triangles);
   list->AddPackage("1000 meshes of 1000000 triangles, one there", list->Many(1000), 1000000);
+  list->AddSharedMesh("1000 elements of one mesh file", 1000, list->Many(1000000));
 }
 
 }  // namespace

@@ -175,6 +175,7 @@ class ORVO_API Machine : public ISerializableXML {
   /// Reads a machine file as ReadXML() does, then the mesh files beside it.
   ///
   /// The mesh i of the element with the id n stands in `<path without its last suffix>_n_i.stl`.
+  /// Elements of equal ids read the same file, and share its arrays where theirs were empty.
   /// @return false when the machine file or any mesh file can't be read; what was read stays
   /// @throws what ReadXML() throws, and std::bad_alloc as EntityMesh::ReadCadStlBin does
   bool ReadMachineWithMeshStl(const std::wstring& path);
