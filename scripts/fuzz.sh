@@ -126,7 +126,7 @@ minimize_target() {
   fi
   # A fuzzer names its inputs by their contents, in 40 digits.
   find "fuzz/corpus/$target" -type f | grep -vE '/[0-9a-f]{40}$' | xargs -r cp -t "$fresh"
-  if ! "$build/fuzz/orvo_fuzz_$target" "${limits[@]}" -use_counters=0 -merge=1 "$fresh" \
+  if ! "$build/fuzz/orvo_fuzz_$target" "${limits[@]}" -use_counters=0 -set_cover_merge=1 "$fresh" \
     "${folders[@]}" >"$log" 2>&1; then
     tail -n 60 "$log" >&2
     echo "fuzz.sh: $target: FAILED to minimize; fuzz/corpus/$target is as it was" >&2
