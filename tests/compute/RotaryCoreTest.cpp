@@ -1,4 +1,5 @@
 #include "SmallMachines.h"
+#include "compute/MachineComputeImplementation.h"
 #include "compute/RotaryCore.h"
 #include "support/NearVector.h"
 #include "support/SameBits.h"
@@ -246,6 +247,17 @@ TEST(TwoRotaries, TargetOfAnyLengthCounts) {
   const RotariesSolution alongX = Solve(AxisX, AxisZ, AxisZ, AxisX);
   ExpectDegrees(tooShort, alongX.Alpha1.GetDegre(), alongX.Beta1.GetDegre(),
                 alongX.Alpha2.GetDegre(), alongX.Beta2.GetDegre(), 0.0);
+}
+
+TEST(TwoRotaries, ANewCalculatorHasSevenEqualTolerances) {
+  const Kin::Machine machine;
+  const Kin::MachineComputeImplementation record(machine);
+  const IntersectionCompute& intersection = record.intersection;
+  for (const double tolerance :
+       {intersection.TolPlanePlane, intersection.TolTangentInner, intersection.TolTangentOuter,
+        intersection.TolLinePlane, intersection.Tol5, intersection.Tol6, intersection.Tol7}) {
+    EXPECT_EQ(tolerance, 0.0001);
+  }
 }
 
 TEST(TwoRotaries, TolerancesStayInTheCalculator) {
