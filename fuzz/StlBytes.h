@@ -20,7 +20,7 @@ struct StlBytes {
 
 /// Meshes of up to this many triangles are looked through and written; beyond, arrays may be
 /// address space that nobody has touched, and going through it would make it memory.
-constexpr std::uint32_t LargestWalkedTriangleNb = 1000000;
+constexpr std::uint32_t LargestWalkedTriangleNb = 70000;
 
 /// Ends the process unless a mesh is what the bytes of its file say.
 void RequireMeshOf(const StlBytes& stl, const Mesh& mesh);
