@@ -50,6 +50,9 @@ TEST_FOLDERS = FOLDERS + ("property", "faults", "limits")
 # Of all mutants, what a file with a single line gets.
 SMALLEST_SHARE = 1 / 300
 
+# A single test that takes this long is a slow one.
+SLOW_MS = 200
+
 # Of the random tests each runs this share, in percent.
 CASE_SHARE = "2"
 
@@ -576,6 +579,7 @@ class Workshop:
         self.overlay = self.mutant / "source"
         self.jobs = jobs
         self.pristine_code = {}
+        self.standard = self.work / "precompiled" / "standard.h"
 
     # Copies what changed, so that only that is built anew.
     def copy_tree(self):
@@ -645,6 +649,7 @@ class Workshop:
             if "ccache" in os.path.basename(command[0]):
                 command = command[1:]
             self.compile[command[command.index("-o") + 1]] = command
+        self.precompile()
         self.users = collections.defaultdict(list)
         target = None
         for line in self.ninja("-t", "deps").splitlines():
@@ -659,6 +664,23 @@ class Workshop:
             command = self.ninja("-t", "commands", test).strip().splitlines()[-1]
             # Between ": && " and " && :".
             self.link[test] = shlex.split(command.split(" && ")[1])
+
+    # The standard headers are most of what the compiler reads, and they declare no more than names.
+    def precompile(self):
+        names = set()
+        for text in read_sources(self.tree).values():
+            names |= set(re.findall(r"^#include <([a-z0-9_]+)>", text, re.MULTILINE))
+        folder = self.standard.with_suffix(".h.gch")
+        shutil.rmtree(folder, ignore_errors=True)
+        folder.mkdir(parents=True)
+        self.standard.write_text("".join(f"#include <{name}>\n" for name in sorted(names)))
+        kinds = set()
+        for target, command in self.compile.items():
+            if target.split("/")[0] in FOLDERS:
+                kinds.add(tuple(command[:command.index("-o")]))
+        for number, command in enumerate(sorted(kinds)):
+            self.run_or_stop([*command, "-x", "c++-header", self.standard,
+                              "-o", folder / f"{number}.gch"], os.environ)
 
     def affected(self, file):
         """The library's objects that a source goes into, and those of the tests."""
@@ -680,6 +702,8 @@ class Workshop:
             command[command.index("-MF") + 1] = str(output) + ".d"
         command[command.index("-o") + 1] = str(output)
         command.insert(1, f"-I{self.overlay}")
+        if target.split("/")[0] in FOLDERS and level is None:
+            command[1:1] = ["-include", str(self.standard)]
         if level:
             command.append(level)
         done = subprocess.run(command, cwd=self.build, capture_output=True, check=False)
@@ -708,13 +732,14 @@ class Workshop:
                 return False
         return True
 
-    def run_test(self, test, program, processor_s, clock_s):
+    def run_test(self, test, program, processor_s, clock_s, chosen="*", is_brief=True):
         """Runs one test program; returns the outcome and, for a failure, what failed."""
         scratch = self.work / "scratch"
         shutil.rmtree(scratch, ignore_errors=True)
         scratch.mkdir()
         environment = dict(os.environ, TMPDIR=str(scratch), ORVO_TEST_CASES=CASE_SHARE,
-                           GTEST_FAIL_FAST="1", GTEST_BRIEF="1", GTEST_COLOR="no")
+                           GTEST_FAIL_FAST="1", GTEST_BRIEF=str(int(is_brief)), GTEST_COLOR="no",
+                           GTEST_FILTER=chosen)
 
         def limit():
             resource.setrlimit(resource.RLIMIT_AS, (MEMORY_LIMIT, MEMORY_LIMIT))
@@ -748,14 +773,20 @@ class Workshop:
 
     def measure_tests(self):
         """Runs every test program as it is: all must pass; how long each takes sets its limits."""
-        self.limits = {}
+        self.limits, self.choices, log = {}, {}, self.work / "test.log"
         for folder, tests in self.tests.items():
             for test in tests:
                 clock, processor = time.monotonic(), processor_time()
-                outcome, what = self.run_test(test, self.program(folder, test), 3600, 3600)
+                outcome, what = self.run_test(test, self.program(folder, test), 3600, 3600,
+                                              is_brief=False)
                 if outcome != "passed":
-                    sys.exit((self.work / "test.log").read_text(errors="replace")
-                             + f"\nmutate.py: FAILED without any mutant: {what}")
+                    sys.exit(f"{log.read_text(errors='replace')}\n"
+                             f"mutate.py: FAILED without any mutant: {what}")
+                # Most mutants fall to a quick test: the others come last.
+                slow = ":".join(name for name, ms in re.findall(
+                    r"^\[       OK \] (\S+) \((\d+) ms\)", log.read_text(), re.MULTILINE)
+                    if int(ms) >= SLOW_MS)
+                self.choices[test] = [f"-{slow}", slow] if slow else ["*"]
                 self.limits[test] = (
                     math.ceil(PROCESSOR_GRACE_S + SLOWDOWN * (processor_time() - processor)),
                     CLOCK_GRACE_S + SLOWDOWN * (time.monotonic() - clock))
@@ -799,9 +830,10 @@ class Workshop:
                 program = self.linked(test, objects)
                 if program is None:
                     return "invalid", None
-                outcome, what = self.run_test(test, program, *self.limits[test])
-                if outcome != "passed":
-                    return outcome, what
+                for chosen in self.choices[test]:
+                    outcome, what = self.run_test(test, program, *self.limits[test], chosen)
+                    if outcome != "passed":
+                        return outcome, what
         if self.same_code(mutant.file, text, mutated, "-O2"):
             return "equivalent", None
         return "survived", None
@@ -910,10 +942,10 @@ def find_again(record, text):
     return Mutant(record["file"], record["kind"], start, start + len(record["old"]), record["new"])
 
 
-def run_again(workshop, results_path):
+def run_again(workshop, results_path, files):
     sources = read_sources(workshop.tree)
     for record in list(latest(read_results(results_path)).values()):
-        if record["outcome"] != "survived":
+        if record["outcome"] != "survived" or (files and record["file"] not in files):
             continue
         text = sources.get(record["file"], "")
         mutant = find_again(record, text)
@@ -945,6 +977,8 @@ def parse_arguments():
                         help="how many mutants that compile and are no equivalents (400)")
     parser.add_argument("--jobs", type=int, default=1,
                         help="how many compilers at once for the first build (1)")
+    parser.add_argument("--files", nargs="+", metavar="FILE",
+                        help="with --again: only the survivors in these files")
     action = parser.add_mutually_exclusive_group()
     action.add_argument("--again", action="store_true",
                         help="copy the checkout anew and test the survivors again")
@@ -971,7 +1005,7 @@ def main():
         workshop.build_tree()
         workshop.measure_tests()
         if arguments.again:
-            run_again(workshop, results_path)
+            run_again(workshop, results_path, arguments.files)
         else:
             run(workshop, results_path, arguments)
     print_report(read_results(results_path))
