@@ -103,11 +103,13 @@ TEST(AttributeLimit, BlocksAreJoined) {
 }
 
 TEST(AttributeLimit, OnlyTheGivenSizeIsRead) {
-  const std::string head = "<a" + Attributes(LargestAttributeNb);
-  TextSource source(head + " b='x'>");
-  EXPECT_TRUE(IsWithinAttributeLimit(&source, head.size()));
-  TextSource shorter(head);
-  EXPECT_TRUE(IsWithinAttributeLimit(&shorter, head.size() + 1000000));
+  for (const std::size_t padding : {0U, 70000U, 200000U}) {
+    const std::string head = std::string(padding, 't') + "<a" + Attributes(LargestAttributeNb);
+    TextSource source(head + " b='x'>");
+    EXPECT_TRUE(IsWithinAttributeLimit(&source, head.size())) << padding;
+    TextSource shorter(head);
+    EXPECT_TRUE(IsWithinAttributeLimit(&shorter, head.size() + 1000000)) << padding;
+  }
 }
 
 // The parser would take minutes for such a tag.
