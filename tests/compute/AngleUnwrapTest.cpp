@@ -119,6 +119,15 @@ TEST(ClosestAngle, EndsForEveryMagnitude) {
   }
 }
 
+// Above a power of two doubles are twice as far apart as below it: there a turn towards 0 counts,
+// and one away from it is lost.
+TEST(ClosestAngle, StaysWhereATurnIsLost) {
+  for (const double sign : {1.0, -1.0}) {
+    EXPECT_TRUE(SameBits(ClosestAngle(sign * 0x1p56, sign * 0x1p57), sign * 0x1p56));
+    EXPECT_LE(std::fabs(DegreesOf(ClosestAngle(sign * 0x1p56, 0.0))), 180.0 + 1e-9);
+  }
+}
+
 TEST(ClosestAngle, InfiniteAndUndefinedNumbersStay) {
   const double numbers[] = {0.5, Infinity, -Infinity, NotANumber, 1e308, -1e308};
   for (const double angle : numbers) {
