@@ -816,9 +816,9 @@ class Workshop:
             objects[target] = self.compiled(target, "objects")
             if objects[target] is None:
                 return "invalid", None
-        # Most equivalents show already here, and a source that nothing includes.
-        if all(path.read_bytes() == (self.build / target).read_bytes()
-               for target, path in objects.items()):
+        # Most equivalents show already here. What tests include may matter to them alone.
+        if not of_tests and all(path.read_bytes() == (self.build / target).read_bytes()
+                                for target, path in objects.items()):
             return "equivalent", None
         own = mutant.file.split("/")[0]
         for folder in sorted(self.tests, key=lambda name: name != own):
