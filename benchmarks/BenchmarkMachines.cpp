@@ -269,8 +269,7 @@ Subject ReadExample(const std::string& name) {
 Machine MakeWide(int elementNb) {
   Machine machine;
   for (int i = 0; i < elementNb; ++i) {
-    machine.AddEntityLinear(L"axis " + std::to_wstring(i), i == 0 ? -1 : 1, AxisX)
-        ->SetRegister(i);
+    machine.AddEntityLinear(L"axis " + std::to_wstring(i), i == 0 ? -1 : 1, AxisX)->SetRegister(i);
   }
   machine.Finish();
   return machine;

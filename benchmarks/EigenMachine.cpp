@@ -58,9 +58,8 @@ EigenMachine::EigenMachine(const Kin::Machine& machine, const Kin::ProgramSystem
   for (const Entity& entity : kinematic.GetListEntity()) {
     order.push_back(&entity);
   }
-  std::stable_sort(order.begin(), order.end(), [](const Entity* a, const Entity* b) {
-    return a->GetLevel() < b->GetLevel();
-  });
+  std::stable_sort(order.begin(), order.end(),
+                   [](const Entity* a, const Entity* b) { return a->GetLevel() < b->GetLevel(); });
   std::map<const Entity*, int> places;
   for (const Entity* entity : order) {
     Element element;
@@ -167,7 +166,8 @@ void EigenMachine::ComputeFrames(const Values& values, Frames* frames) const {
 }
 
 EigenMachine::Frame EigenMachine::ComputeTableFromTool(const Values& values) const {
-  return World(table_, values).inverse() * World(head_, values) * Eigen::Translation3d(-toolOffset_);
+  return World(table_, values).inverse() * World(head_, values) *
+         Eigen::Translation3d(-toolOffset_);
 }
 
 Eigen::Vector3d EigenMachine::WorldDirection(const MainAxis& axis, const Values& values) const {
@@ -175,8 +175,8 @@ Eigen::Vector3d EigenMachine::WorldDirection(const MainAxis& axis, const Values&
   return element.parent < 0 ? element.dir : World(element.parent, values).linear() * element.dir;
 }
 
-// Both turns pass through the origin: the tool goes about the axis near it onto a direction that the
-// other axis can turn onto the target (subproblem 2 of Paden and Kahan).
+// Both turns pass through the origin: the tool goes about the axis near it onto a direction that
+// the other axis can turn onto the target (subproblem 2 of Paden and Kahan).
 EigenMachine::RotaryBranches EigenMachine::SolveRotaries(const Values& values,
                                                          const Vector3d& direction) {
   scratch_ = values;
@@ -241,8 +241,8 @@ bool EigenMachine::Solve(const Vector3d& direction, const Vector3d& point, Value
       const double current = (*values)[static_cast<std::size_t>(axis.reg)];
       angles[i] =
           Unwrap(branches.angles[branch][i], current, axis.isRangeChecked, axis.min, axis.max);
-      isInRange = isInRange &&
-                  (!axis.isRangeChecked || (angles[i] >= axis.min && angles[i] <= axis.max));
+      isInRange =
+          isInRange && (!axis.isRangeChecked || (angles[i] >= axis.min && angles[i] <= axis.max));
       move += std::fabs(angles[i] - current);
     }
     if (isInRange && move < best) {
@@ -262,8 +262,8 @@ bool EigenMachine::Solve(const Vector3d& direction, const Vector3d& point, Value
     scratch_[static_cast<std::size_t>(axis.reg)] = 0.0;
   }
   const Frame tableFromWorld = World(table_, scratch_).inverse();
-  const Vector3d tip =
-      tableFromWorld * World(head_, scratch_) * Eigen::Translation3d(-toolOffset_) * Vector3d::Zero();
+  const Vector3d tip = tableFromWorld * World(head_, scratch_) *
+                       Eigen::Translation3d(-toolOffset_) * Vector3d::Zero();
   Eigen::Matrix3d directions;
   for (int i = 0; i < 3; ++i) {
     const Vector3d inTable = tableFromWorld.linear() * WorldDirection(linear_[i], scratch_);

@@ -25,9 +25,8 @@ KDL::Vector ToKdl(const Vector3D& v) { return KDL::Vector(v[0], v[1], v[2]); }
 
 KDL::Frame ToKdl(const Matrix43& frame) {
   const double* const m = frame;
-  return KDL::Frame(
-      KDL::Rotation(m[0], m[4], m[8], m[1], m[5], m[9], m[2], m[6], m[10]),
-      KDL::Vector(m[12], m[13], m[14]));
+  return KDL::Frame(KDL::Rotation(m[0], m[4], m[8], m[1], m[5], m[9], m[2], m[6], m[10]),
+                    KDL::Vector(m[12], m[13], m[14]));
 }
 
 bool IsJoint(const Entity& entity) {
@@ -121,8 +120,7 @@ KdlMachine::KdlMachine(const Kin::Machine& machine, const Kin::ProgramSystem& ps
   const auto append = [this, &min, &max](const Entity& entity, const KDL::Segment& segment) {
     tableToTool_.chain.addSegment(segment);
     if (IsJoint(entity)) {
-      const bool isRotary =
-          entity.GetEntityLink().GetEntityLinkType() == Kin::EntityLinkTypeRotary;
+      const bool isRotary = entity.GetEntityLink().GetEntityLinkType() == Kin::EntityLinkTypeRotary;
       const double unit = isRotary ? RadiansPerDegree : 1.0;
       tableToTool_.registers.push_back(entity.GetRegister().GetVal());
       min.push_back(entity.GetCheckRangeAxis() ? entity.GetRangeMin() * unit : -NoLimit);
@@ -148,9 +146,9 @@ KdlMachine::KdlMachine(const Kin::Machine& machine, const Kin::ProgramSystem& ps
   }
   solution_.resize(jointNb);
   velocity_ = std::make_unique<KDL::ChainIkSolverVel_pinv>(tableToTool_.chain);
-  inverse_ = std::make_unique<KDL::ChainIkSolverPos_NR_JL>(
-      tableToTool_.chain, lower, upper, *tableToTool_.forward, *velocity_, MostIterations,
-      Precision);
+  inverse_ = std::make_unique<KDL::ChainIkSolverPos_NR_JL>(tableToTool_.chain, lower, upper,
+                                                           *tableToTool_.forward, *velocity_,
+                                                           MostIterations, Precision);
 }
 
 void KdlMachine::Finish(Path* path) {

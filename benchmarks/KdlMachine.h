@@ -18,8 +18,7 @@ namespace Orvo::Benchmarks {
 /// The same machine in the terms of a general robotics library, used as its documentation says.
 class KdlMachine {
  public:
-  KdlMachine(const Kin::Machine& machine, const Kin::ProgramSystem& ps,
-             const Vector3D& toolOffset);
+  KdlMachine(const Kin::Machine& machine, const Kin::ProgramSystem& ps, const Vector3D& toolOffset);
   KdlMachine(const KdlMachine&) = delete;
   KdlMachine& operator=(const KdlMachine&) = delete;
 

@@ -29,8 +29,8 @@ std::vector<double> Radians(const Kin::Machine& machine, const Kin::MachinePosit
   std::vector<double> values;
   for (int reg = 0; reg < static_cast<int>(position.Size()); ++reg) {
     const Kin::Entity* const entity = machine.GetKinematic().GetEntity(Kin::Register(reg));
-    const bool isAngle = entity != nullptr && entity->GetEntityLink().GetEntityLinkType() ==
-                                                  Kin::EntityLinkTypeRotary;
+    const bool isAngle = entity != nullptr &&
+                         entity->GetEntityLink().GetEntityLinkType() == Kin::EntityLinkTypeRotary;
     values.push_back(position[Kin::Register(reg)] * (isAngle ? 3.141592653589793 / 180.0 : 1.0));
   }
   return values;

@@ -49,8 +49,7 @@ struct MeshFile {
     EntityMesh read;
     Read(&read);
     if (read.GetMesh(0)->GetDimNVerts() != TriangleNb ||
-        !(read.GetMesh(0)->GetTabVertices()[3 * TriangleNb - 1] ==
-          vertices[3 * TriangleNb - 1])) {
+        !(read.GetMesh(0)->GetTabVertices()[3 * TriangleNb - 1] == vertices[3 * TriangleNb - 1])) {
       throw std::runtime_error(path + ": not read as it was written");
     }
   }

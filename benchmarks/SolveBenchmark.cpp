@@ -39,9 +39,9 @@ struct Solving {
   bool SolveRotaries(std::size_t i, RotariesSolution* sol) {
     const ProgramSystem& ps = subject.programSystem;
     const Request& request = subject.requests[i];
-    return compute.ComputeToolIjkTcsToMcsAbc(request.current, ps.GetHeadIndex(),
-                                             ps.GetTableIndex(), request.ijk,
-                                             ps.GetMainRotary(0), ps.GetMainRotary(1), sol);
+    return compute.ComputeToolIjkTcsToMcsAbc(request.current, ps.GetHeadIndex(), ps.GetTableIndex(),
+                                             request.ijk, ps.GetMainRotary(0), ps.GetMainRotary(1),
+                                             sol);
   }
 
   // From a direction and a point to the five values, in a position that holds them afterwards.
