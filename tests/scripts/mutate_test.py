@@ -7,6 +7,8 @@ sys.dont_write_bytecode = True
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "scripts"))
 
 import mutate  # noqa: E402  (the path is set above)
+from mutation.draw import Draw  # noqa: E402
+from mutation.mutants import describe, find_mutants  # noqa: E402
 
 # A source, and all its mutants: kind, text that goes, text that comes.
 SOURCES = [
@@ -62,7 +64,7 @@ SOURCES = [
 
 
 def mutants_of(text):
-    return [(m.kind, text[m.start:m.end], m.new) for m in mutate.find_mutants("a.cpp", text)]
+    return [(m.kind, text[m.start:m.end], m.new) for m in find_mutants("a.cpp", text)]
 
 
 def check_sources():
@@ -72,7 +74,7 @@ def check_sources():
 
 
 def draw_all(sources, seed, count):
-    draw = mutate.Draw(sources, seed)
+    draw = Draw(sources, seed)
     drawn = []
     while len(drawn) < count:
         mutant = draw.next()
@@ -105,12 +107,12 @@ def check_draw():
 
 def check_find_again():
     before = "int a = 1;\nint b = f(1);\nint c;\nint b = f(1);\n"
-    mutant = next(m for m in mutate.find_mutants("a.cpp", before) if m.start > 30)
-    record = mutate.describe(mutant, before)
+    mutant = next(m for m in find_mutants("a.cpp", before) if m.start > 30)
+    record = describe(mutant, before)
     assert (record["line"], record["before"]) == (4, "int b = f(1);"), record
     after = "int z;\n" + before
     again = mutate.find_again(record, after)
-    assert mutate.describe(again, after)["line"] == 5
+    assert describe(again, after)["line"] == 5
     assert again.apply(after).count(record["after"]) == 1
     assert mutate.find_again(record, "int a = 1;\n") is None
 
