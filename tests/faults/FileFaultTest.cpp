@@ -53,9 +53,13 @@ std::vector<NamedFault> AllFaults() {
   for (const Error& error : errors) {
     for (const int number : error.errors) {
       const std::string what = number == 0 ? "half of the bytes" : strerrorname_np(number);
-      faults.push_back({{error.call, number, false}, NameOf(error.call) + ": " + what + ", once"});
-      faults.push_back(
-          {{error.call, number, true}, NameOf(error.call) + ": " + what + ", lasting"});
+      for (const bool isLasting : {false, true}) {
+        NamedFault& added = faults.emplace_back();
+        added.fault.call = error.call;
+        added.fault.error = number;
+        added.fault.isLasting = isLasting;
+        added.name = NameOf(error.call) + ": " + what + (isLasting ? ", lasting" : ", once");
+      }
     }
   }
   return faults;
