@@ -343,6 +343,10 @@ TEST(OddFiles, NoMoreFilesThatMayBeOpenFails) {
     const std::wstring path = folder.Wide(
         std::string(operation.name) == "read a mesh file" ? "mill_7_0.stl" : "mill.xml");
     const ChildEnd end = InChild([&operation, &path] {
+      // Once undisturbed: UndefinedBehaviorSanitizer opens a pipe for a class that it meets first.
+      if (!operation.run(path)) {
+        return 3;
+      }
       rlimit before = {};
       getrlimit(RLIMIT_NOFILE, &before);
       SetSoftLimit(RLIMIT_NOFILE, 0);
