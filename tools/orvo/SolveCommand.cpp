@@ -87,7 +87,7 @@ Exit status:
   0  every point is solved
   1  the command line is wrong
   2  a file can't be read; the message names its line and column
-  3  the result can't be written; nothing is left of it
+  3  the result or the summary can't be written; no part of a result is left
   4  some points are unreachable, whether or not others are out of range
   5  some points are out of range
 
