@@ -7,9 +7,8 @@
 namespace Orvo {
 
 /// Reads a binary STL file into new arrays of a mesh, as EntityMesh::ReadCadStlBin says.
-/// @return false, and the mesh unchanged, without 84 bytes of header, with a count of triangles
-/// that
-///   is 0 or whose triple is too large for an index, and when the source fails
+/// @return false, and the mesh unchanged, without 84 bytes of header, when the source fails, and
+///   with a count of triangles that is 0 or whose triple is too large for an index
 /// @throws std::bad_alloc when the arrays don't fit; the mesh is unchanged
 bool DecodeStl(ByteSource* source, Mesh* mesh);
 

@@ -50,8 +50,7 @@ class ORVO_API EntityMesh {
   /// vertices and one normal of its own. Earlier arrays stay alive with the mesh.
   ///
   /// @return false, and the mesh unchanged, when the index is outside the list or its mesh null,
-  /// when
-  ///   the file can't be opened, can't be read to its end or is shorter than its 84 bytes of
+  ///   when the file can't be opened, can't be read to its end or is shorter than its 84 bytes of
   ///   header, and when its count of triangles is 0 or above 1431655765. A file that ends early
   ///   gives true: the arrays then have the size that the count says, and hold zeros behind the
   ///   last triangle.
