@@ -22,6 +22,14 @@ void Explain(const MachinePair& machines) {
   }
 }
 
+// Runs a case with a share of edge numbers among all that it draws.
+void ForEdgeCases(int count, void (*run)(Draw& draw)) {
+  ForCases(count, [run](Draw& draw) {
+    draw.SetEdgeShare(draw.Uniform(0.0, 0.3));
+    run(draw);
+  });
+}
+
 void PlaceElements(Draw& draw) {
   const MachinePair machines(AnyPlan(draw));
   CalculatorPair pair(machines);
@@ -47,10 +55,7 @@ void PlaceElements(Draw& draw) {
 TEST(ForwardProperty, PlacesElementsAsTheTwinDoes) { ForCases(30000, PlaceElements); }
 
 TEST(ForwardProperty, PlacesElementsOfAnyNumbersAsTheTwinDoes) {
-  ForCases(15000, [](Draw& draw) {
-    draw.SetEdgeShare(draw.Uniform(0.0, 0.3));
-    PlaceElements(draw);
-  });
+  ForEdgeCases(15000, PlaceElements);
 }
 
 void SolveRotaries(Draw& draw) {
@@ -64,12 +69,7 @@ void SolveRotaries(Draw& draw) {
 
 TEST(RotaryProperty, SolvesAsTheTwinDoes) { ForCases(60000, SolveRotaries); }
 
-TEST(RotaryProperty, SolvesForAnyNumbersAsTheTwinDoes) {
-  ForCases(30000, [](Draw& draw) {
-    draw.SetEdgeShare(draw.Uniform(0.0, 0.3));
-    SolveRotaries(draw);
-  });
-}
+TEST(RotaryProperty, SolvesForAnyNumbersAsTheTwinDoes) { ForEdgeCases(30000, SolveRotaries); }
 
 void SolveLinear(Draw& draw) {
   const MachinePair machines(AnyPlan(draw));
@@ -82,12 +82,7 @@ void SolveLinear(Draw& draw) {
 
 TEST(LinearProperty, SolvesAsTheTwinDoes) { ForCases(30000, SolveLinear); }
 
-TEST(LinearProperty, SolvesForAnyNumbersAsTheTwinDoes) {
-  ForCases(15000, [](Draw& draw) {
-    draw.SetEdgeShare(draw.Uniform(0.0, 0.3));
-    SolveLinear(draw);
-  });
-}
+TEST(LinearProperty, SolvesForAnyNumbersAsTheTwinDoes) { ForEdgeCases(15000, SolveLinear); }
 
 void DoEverything(Draw& draw) {
   const MachinePair machines(AnyPlan(draw));
@@ -122,10 +117,7 @@ TEST(CalculatorProperty, KeepsItsMemoryAcrossAllOperationsAsTheTwinDoes) {
 }
 
 TEST(CalculatorProperty, KeepsItsMemoryOverAnyNumbersAsTheTwinDoes) {
-  ForCases(10000, [](Draw& draw) {
-    draw.SetEdgeShare(draw.Uniform(0.0, 0.3));
-    DoEverything(draw);
-  });
+  ForEdgeCases(10000, DoEverything);
 }
 
 // Null outputs fail first, whatever else is wrong, but for the linear solution of an unfinished
