@@ -91,6 +91,11 @@ bool MachineCompute::ComputePositionMachine(const MachinePosition& pos,
     implementation_->entityOrder = OrderParentsFirst(machine.GetKinematic().GetListEntity());
   }
   frames->resize(static_cast<std::size_t>(machine.entityIdMax_.GetVal() + 1));
+  if (AllFrames* const kept = implementation_->kept.FramesFor(
+          pos, machine.GetKinematic(), implementation_->entityOrder, frames->size())) {
+    kept->Compute(&pos[Register(0)], frames->data());
+    return true;
+  }
   for (const Entity* entity : implementation_->entityOrder) {
     // Deliberate: a link that fails counts as the identity.
     Matrix43 parentFromEntity;
@@ -122,6 +127,14 @@ bool MachineCompute::ComputeMcsToToolTcs(const MachinePosition& pos, const HeadI
   const Entity* const tableEntity = machine.GetKinematic().GetEntityTable(table);
   if (headEntity == nullptr || tableEntity == nullptr) {
     return Fail(ComputeErrorNoHeadOrTable);
+  }
+  if (TableFromHead* const kept = implementation_->kept.TableFromHeadFor(
+          pos, machine.GetKinematic(), *headEntity, *tableEntity)) {
+    if (pos.Size() == 0) {
+      return Fail(ComputeErrorEmptyPosition);
+    }
+    kept->Compute(&pos[Register(0)], offset, frame);
+    return true;
   }
   Matrix43 worldFromHead;
   Matrix43 worldFromTable;

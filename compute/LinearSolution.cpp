@@ -50,11 +50,16 @@ bool MachineCompute::ComputeToolTcsToMcsXyz(const MachinePosition& pos, const He
     scratch[reg] = 0.0;
   }
 
+  if (LinearPlacement* const kept = implementation_->kept.LinearPlacementFor(
+          scratch, machine.GetKinematic(), chain, registers)) {
+    kept->Compute(&scratch[Register(0)], offset, point, xyz);
+    return true;
+  }
+
   double sideSigns[3] = {0.0, 0.0, 0.0};
   int foundNb = 0;
   chain.Walk([&registers, &sideSigns, &foundNb](const Entity& entity, double sideSign, int) {
-    if (entity.GetEntityType() == EntityTypeAxis &&
-        entity.GetEntityLink().GetEntityLinkType() == EntityLinkTypeLinear) {
+    if (IsLinearAxis(entity)) {
       for (int i = 0; i < 3; ++i) {
         if (entity.GetRegister().GetVal() == registers[i].GetVal()) {
           sideSigns[i] = sideSign;

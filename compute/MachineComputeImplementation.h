@@ -1,6 +1,7 @@
 #pragma once
 
 #include "compute/AxisChain.h"
+#include "compute/KeptResults.h"
 #include "geometry/IntersectionCompute.h"
 
 #include <Orvo/Kin/Enumerations.h>
@@ -29,6 +30,7 @@ struct MachineComputeImplementation {
   // Every element, parents first; made once.
   std::vector<const Entity*> entityOrder;
 
+  KeptResults kept;
   IntersectionCompute intersection;
   MachineComputeErrorType lastError = ComputeErrorNone;
 };

@@ -52,9 +52,50 @@ bool MachineCompute::ComputeToolIjkTcsToMcsAbc(const MachinePosition& pos, const
     return Fail(ComputeErrorNoHeadOrTable);
   }
 
+  const RotaryDirections* directions;
+  RotaryDirections found;
+  if (RotaryPlacement* const kept = implementation_->kept.RotaryPlacementFor(
+          scratch, implementation_->machine->GetKinematic(), chain, registers)) {
+    directions = &kept->Compute(&scratch[Register(0)]);
+  } else if (FindRotaryDirections(scratch, registers, &found)) {
+    directions = &found;
+  } else {
+    return false;
+  }
+
+  if (!r0.IsDefined() && !r1.IsDefined()) {
+    sol->Count = Dot(ijk, directions->tool) > AlignedCosine ? 1 : 0;
+    return true;
+  }
+  if (!r0.IsDefined()) {
+    sol->Count = SolveOneRotary(directions->axes[1], directions->tool, ijk, &sol->Beta1);
+    return true;
+  }
+  if (!r1.IsDefined()) {
+    sol->Count = SolveOneRotary(directions->axes[0], directions->tool, ijk, &sol->Alpha1);
+    return true;
+  }
+  // The axis nearer the head turns the tool first.
+  const bool isSolved =
+      directions->isAlphaNearerHead
+          ? ComputeAngles(directions->axes[0], directions->axes[1], directions->tool, ijk, r0, r1, sol)
+          : ComputeAngles(directions->axes[1], directions->axes[0], directions->tool, ijk, r1, r0, sol);
+  if (!isSolved) {
+    return Fail(ComputeErrorNoSolution);
+  }
+  if (!directions->isAlphaNearerHead) {
+    SwapSolAlphaBeta(sol);
+  }
+  return true;
+}
+
+// Link by link, with whatever fails.
+bool MachineCompute::FindRotaryDirections(const MachinePosition& pos, const Register registers[2],
+                                          RotaryDirections* directions) {
+  const AxisChain& chain = implementation_->chain;
   ChainAxis axes[2];
   const bool areRotary =
-      chain.Walk([&registers, &axes](const Entity& entity, double sideSign, int place) {
+      chain.Walk([registers, &axes](const Entity& entity, double sideSign, int place) {
         for (int i = 0; i < 2; ++i) {
           if (registers[i].IsDefined() && entity.GetRegister().GetVal() == registers[i].GetVal()) {
             if (entity.GetEntityType() == EntityTypeAxis &&
@@ -73,51 +114,26 @@ bool MachineCompute::ComputeToolIjkTcsToMcsAbc(const MachinePosition& pos, const
 
   // Deliberate: where a link fails, the product of those below it is used.
   Matrix43 worldFromTable;
-  ComputePositionEntity(*chain.Table(), scratch, &worldFromTable);
+  ComputePositionEntity(*chain.Table(), pos, &worldFromTable);
   Matrix43 worldFromHead;
-  ComputePositionEntity(*chain.Head(), scratch, &worldFromHead);
+  ComputePositionEntity(*chain.Head(), pos, &worldFromHead);
   Matrix43 tableFromWorld = worldFromTable.HInverse();
-  const Vector3D toolInTable = (tableFromWorld * worldFromHead).GetW();
+  directions->tool = (tableFromWorld * worldFromHead).GetW();
 
-  Vector3D axisInTable[2];
   for (int i = 0; i < 2; ++i) {
     if (registers[i].IsDefined()) {
       if (axes[i].entity == nullptr) {
         return Fail(ComputeErrorRegister);
       }
       Vector3D axisInWorld;
-      if (!ComputeWorldEntityDir(scratch, *axes[i].entity, &axisInWorld)) {
+      if (!ComputeWorldEntityDir(pos, *axes[i].entity, &axisInWorld)) {
         return false;
       }
-      axisInTable[i] = tableFromWorld.ApplyToVector3D(axisInWorld);
-      axisInTable[i] *= axes[i].sideSign;
+      directions->axes[i] = tableFromWorld.ApplyToVector3D(axisInWorld);
+      directions->axes[i] *= axes[i].sideSign;
     }
   }
-
-  if (!r0.IsDefined() && !r1.IsDefined()) {
-    sol->Count = Dot(ijk, toolInTable) > AlignedCosine ? 1 : 0;
-    return true;
-  }
-  if (!r0.IsDefined()) {
-    sol->Count = SolveOneRotary(axisInTable[1], toolInTable, ijk, &sol->Beta1);
-    return true;
-  }
-  if (!r1.IsDefined()) {
-    sol->Count = SolveOneRotary(axisInTable[0], toolInTable, ijk, &sol->Alpha1);
-    return true;
-  }
-  // The axis nearer the head turns the tool first.
-  const bool isAlphaNearerHead = axes[0].place > axes[1].place;
-  const bool isSolved =
-      isAlphaNearerHead
-          ? ComputeAngles(axisInTable[0], axisInTable[1], toolInTable, ijk, r0, r1, sol)
-          : ComputeAngles(axisInTable[1], axisInTable[0], toolInTable, ijk, r1, r0, sol);
-  if (!isSolved) {
-    return Fail(ComputeErrorNoSolution);
-  }
-  if (!isAlphaNearerHead) {
-    SwapSolAlphaBeta(sol);
-  }
+  directions->isAlphaNearerHead = axes[0].place > axes[1].place;
   return true;
 }
 

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "compute/LinkFrame.h"
+
+#include <Orvo/Kin/Entity.h>
 #include <Orvo/Matrix43.h>
 #include <Orvo/Vector3D.h>
 
@@ -10,6 +13,21 @@ inline Matrix43 HeadFromToolPoint(const Vector3D& offset) {
   Matrix43 headFromToolPoint;
   headFromToolPoint.SetTrans(Vector3D(-offset[0], -offset[1], -offset[2]));
   return headFromToolPoint;
+}
+
+inline void SetHeadFromToolPoint(const Vector3D& offset, TypedFrame* headFromToolPoint) {
+  double* const m = headFromToolPoint->elements;
+  CopyFrame(IdentityFrame, m);
+  m[12] = -offset[0];
+  m[13] = -offset[1];
+  m[14] = -offset[2];
+  headFromToolPoint->type = Matrix43::Translation;
+}
+
+/// Tells whether an element is an axis that travels.
+inline bool IsLinearAxis(const Entity& entity) {
+  return entity.GetEntityType() == EntityTypeAxis &&
+         entity.GetEntityLink().GetEntityLinkType() == EntityLinkTypeLinear;
 }
 
 }  // namespace Orvo::Kin

@@ -9,7 +9,9 @@ namespace Orvo {
 /// Reaches the elements and the cached kind of a frame.
 struct FrameAccess {
   static const double* Elements(const Matrix43& frame) { return frame.elements_; }
+  static double* Elements(Matrix43* frame) { return frame->elements_; }
   static Matrix43::Type Type(const Matrix43& frame) { return frame.type_; }
+  static void SetType(Matrix43* frame, Matrix43::Type type) { frame->type_ = type; }
 };
 
 // The formulas of frames, each written once. A frame comes as its 16 doubles, aligned to 16 bytes;
@@ -46,6 +48,99 @@ inline void MultiplyProjective(const double* a, const double* b, double* product
     const Lanes first3 = CombineColumns(a, b[column], b[column + 1], b[column + 2]);
     StoreLanes(product + column, Add(first3, Scale(LoadLanes(a + 12), b[column + 3])));
   }
+}
+
+/// Copies a frame.
+inline void CopyFrame(const double* m, double* copy) {
+  for (int column = 0; column < 16; column += 4) {
+    StoreLanes(copy + column, LoadLanes(m + column));
+  }
+}
+
+/// Writes the product of two frames of the given kinds, and returns its kind. The product must not
+/// be one of the factors.
+inline Matrix43::Type MultiplyFrames(const double* a, Matrix43::Type aType, const double* b,
+                                     Matrix43::Type bType, double* product) {
+  if (aType == Matrix43::Identity) {
+    CopyFrame(b, product);
+    return bType;
+  }
+  if (bType == Matrix43::Identity) {
+    CopyFrame(a, product);
+    return aType;
+  }
+  if (aType == Matrix43::Projective || bType == Matrix43::Projective) {
+    MultiplyProjective(a, b, product);
+    return Matrix43::Projective;
+  }
+  if (aType == Matrix43::Rotation && bType == Matrix43::Rotation) {
+    MultiplyDirections(a, b, product);
+    StoreLanes(product + 12, LoadLanes(IdentityFrame + 12));
+    return Matrix43::Rotation;
+  }
+  const Matrix43::Type type = aType == Matrix43::General || bType == Matrix43::General
+                                  ? Matrix43::General
+                                  : Matrix43::RotationTranslation;
+  if (aType == Matrix43::Translation && bType == Matrix43::Rotation) {
+    CopyDirections(b, product);
+    StoreLanes(product + 12, WithW(LoadLanes(a + 12), 1.0));
+    return type;
+  }
+  if (aType == Matrix43::Translation && bType == Matrix43::RotationTranslation) {
+    CopyDirections(b, product);
+    StoreLanes(product + 12, WithW(Add(LoadLanes(a + 12), LoadLanes(b + 12)), 1.0));
+    return type;
+  }
+  if ((aType == Matrix43::Rotation || aType == Matrix43::RotationTranslation) &&
+      bType == Matrix43::Translation) {
+    CopyDirections(a, product);
+  } else {
+    MultiplyDirections(a, b, product);
+  }
+  StoreLanes(product + 12, WithW(ImageOfPoint(a, b[12], b[13], b[14]), 1.0));
+  return type;
+}
+
+/// Returns the image of a point, x, y, z with w 0, under a frame of a kind other than Projective.
+inline Lanes ApplyFrameToPoint(const double* m, Matrix43::Type type, const double* p) {
+  switch (type) {
+    case Matrix43::Identity:
+      return WithW(LoadLanes(p), 0.0);
+    case Matrix43::Rotation:
+      return WithW(CombineColumns(m, p[0], p[1], p[2]), 0.0);
+    case Matrix43::Translation:
+      return WithW(Add(LoadLanes(p), LoadLanes(m + 12)), 0.0);
+    default:
+      return WithW(ImageOfPoint(m, p[0], p[1], p[2]), 0.0);
+  }
+}
+
+/// Returns the image of a direction under a frame of a kind other than Projective.
+inline Lanes ApplyFrameToDirection(const double* m, Matrix43::Type type, const double* v) {
+  return type == Matrix43::Identity || type == Matrix43::Translation
+             ? WithW(LoadLanes(v), 0.0)
+             : WithW(CombineColumns(m, v[0], v[1], v[2]), 0.0);
+}
+
+/// Writes the inverse of a frame by transposed directions; its kind is the same.
+inline void InvertRigid(const double* m, Matrix43::Type type, double* inverse) {
+  CopyFrame(IdentityFrame, inverse);
+  if (type == Matrix43::General || type == Matrix43::Rotation ||
+      type == Matrix43::RotationTranslation) {
+    for (int i = 0; i < 3; ++i) {
+      inverse[4 * i] = m[i];
+      inverse[4 * i + 1] = m[4 + i];
+      inverse[4 * i + 2] = m[8 + i];
+    }
+  }
+  if (type == Matrix43::Identity || type == Matrix43::Rotation || type == Matrix43::Projective) {
+    return;
+  }
+  alignas(16) double origin[4];
+  StoreLanes(origin, ApplyFrameToPoint(inverse, type, m + 12));
+  inverse[12] = -origin[0];
+  inverse[13] = -origin[1];
+  inverse[14] = -origin[2];
 }
 
 }  // namespace Orvo

@@ -1,5 +1,7 @@
 #include "geometry/FrameKernel.h"
 #include "geometry/NumberText.h"
+#include "geometry/PrincipalAxis.h"
+#include "geometry/SinCos.h"
 #include "geometry/VectorKernel.h"
 
 #include <Orvo/Angle.h>
@@ -8,6 +10,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <iterator>
 
 namespace Orvo {
 
@@ -127,6 +130,16 @@ Matrix43::Type TypeWithoutRotation(Matrix43::Type type) {
 
 }  // namespace
 
+const PrincipalAxis* FindPrincipalAxis(const Vector3D& dir) {
+  static constexpr PrincipalAxis Axes[] = {{ZPlus, Z, false}, {ZMinus, Z, true},
+                                           {XPlus, X, false}, {XMinus, X, true},
+                                           {YPlus, Y, false}, {YMinus, Y, true}};
+  const auto* const found = std::find_if(std::begin(Axes), std::end(Axes), [&dir](const auto& axis) {
+    return dir.IsSame(axis.sign, PrincipalAxisTolerance);
+  });
+  return found == std::end(Axes) ? nullptr : found;
+}
+
 Matrix43::Matrix43() { SetIdentity(); }
 
 Matrix43::Matrix43(const __m128d* lanes) {
@@ -193,43 +206,8 @@ void Matrix43::SetTrans(const Vector3D& t) {
 }
 
 Matrix43 Matrix43::operator*(const Matrix43& b) {
-  const double* const bElements = b.elements_;
-  if (type_ == Identity) {
-    return b;
-  }
-  if (b.type_ == Identity) {
-    return *this;
-  }
   Matrix43 product;
-  if (type_ == Projective || b.type_ == Projective) {
-    MultiplyProjective(elements_, bElements, product.elements_);
-    product.type_ = Projective;
-    return product;
-  }
-  if (type_ == Rotation && b.type_ == Rotation) {
-    MultiplyDirections(elements_, bElements, product.elements_);
-    product.type_ = Rotation;
-    return product;
-  }
-  product.type_ = type_ == General || b.type_ == General ? General : RotationTranslation;
-  if (type_ == Translation && b.type_ == Rotation) {
-    CopyDirections(bElements, product.elements_);
-    StoreLanes(product.elements_ + 12, WithW(LoadLanes(elements_ + 12), 1.0));
-    return product;
-  }
-  if (type_ == Translation && b.type_ == RotationTranslation) {
-    CopyDirections(bElements, product.elements_);
-    const Lanes sum = Add(LoadLanes(elements_ + 12), LoadLanes(bElements + 12));
-    StoreLanes(product.elements_ + 12, WithW(sum, 1.0));
-    return product;
-  }
-  if ((type_ == Rotation || type_ == RotationTranslation) && b.type_ == Translation) {
-    CopyDirections(elements_, product.elements_);
-  } else {
-    MultiplyDirections(elements_, bElements, product.elements_);
-  }
-  const Lanes origin = ImageOfPoint(elements_, bElements[12], bElements[13], bElements[14]);
-  StoreLanes(product.elements_ + 12, WithW(origin, 1.0));
+  product.type_ = MultiplyFrames(elements_, type_, b.elements_, b.type_, product.elements_);
   return product;
 }
 
@@ -303,15 +281,7 @@ Matrix43 Matrix43::Inverse() {
 Matrix43 Matrix43::HInverse() {
   Matrix43 inverse;
   inverse.type_ = type_;
-  if (type_ == General || type_ == Rotation || type_ == RotationTranslation) {
-    for (int i = 0; i < 3; ++i) {
-      SetColumn(inverse.elements_ + 4 * i, elements_[i], elements_[4 + i], elements_[8 + i]);
-    }
-  }
-  if (type_ == Identity || type_ == Rotation || type_ == Projective) {
-    return inverse;
-  }
-  inverse.SetTrans(-inverse.ApplyToPoint(GetTrans()));
+  InvertRigid(elements_, type_, inverse.elements_);
   return inverse;
 }
 
@@ -323,21 +293,10 @@ void Matrix43::SetRotation(const Direction& d, const Angle& a) {
     type_ = TypeWithoutRotation(type_);
     return;
   }
-  const double c = a.Cos();
-  const double s = a.Sin();
-  if (d == X) {
-    SetColumn(elements_, 1.0, 0.0, 0.0);
-    SetColumn(elements_ + 4, 0.0, c, s);
-    SetColumn(elements_ + 8, 0.0, -s, c);
-  } else if (d == Y) {
-    SetColumn(elements_, c, 0.0, -s);
-    SetColumn(elements_ + 4, 0.0, 1.0, 0.0);
-    SetColumn(elements_ + 8, s, 0.0, c);
-  } else {
-    SetColumn(elements_, c, s, 0.0);
-    SetColumn(elements_ + 4, -s, c, 0.0);
-    SetColumn(elements_ + 8, 0.0, 0.0, 1.0);
-  }
+  double sine;
+  double cosine;
+  SinCos(a.GetRadian(), &sine, &cosine);
+  SetPrincipalTurn(d, sine, cosine, elements_);
   UpdateType(Rotation);
 }
 
@@ -347,19 +306,9 @@ void Matrix43::SetRotation(const Vector3D& axis, const Angle& a) {
     elements_[3] = elements_[7] = elements_[11] = 0.0;
     return;
   }
-  struct PrincipalAxis {
-    DirectionSign sign;
-    Direction direction;
-    bool reversed;
-  };
-  constexpr PrincipalAxis PrincipalAxes[] = {{ZPlus, Z, false}, {ZMinus, Z, true},
-                                             {XPlus, X, false}, {XMinus, X, true},
-                                             {YPlus, Y, false}, {YMinus, Y, true}};
-  for (const PrincipalAxis& principal : PrincipalAxes) {
-    if (axis.IsSame(principal.sign, PrincipalAxisTolerance)) {
-      SetRotation(principal.direction, principal.reversed ? Angle(-a.GetRadian()) : a);
-      return;
-    }
+  if (const PrincipalAxis* const principal = FindPrincipalAxis(axis)) {
+    SetRotation(principal->direction, principal->isReversed ? Angle(-a.GetRadian()) : a);
+    return;
   }
   Matrix43 fromAxis;
   fromAxis.MakeAxisW(axis);

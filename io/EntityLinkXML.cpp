@@ -23,6 +23,7 @@ bool EntityLink::SerializeXML(XMLWriter& writer, XMLElement* parent) {
 }
 
 bool EntityLink::DeserializeXML(XMLReader& reader, XMLElement* parent) {
+  CountChange();
   std::wstring word;
   if (!reader.ReadString(L"Type", word, parent) || !GetEntityLinkTypeFromDict(word, type_) ||
       !reader.ReadVector3D(L"Center", center_, parent) ||

@@ -5,6 +5,17 @@
 
 namespace Orvo::Kin {
 
+namespace {
+
+// Values that calculators have taken down are about to change.
+void CountChange(const EntityImplementation& record) {
+  if (record.changeNb != nullptr) {
+    ++*record.changeNb;
+  }
+}
+
+}  // namespace
+
 Entity::Entity() : implementation_(std::make_unique<EntityImplementation>()) {}
 
 Entity::Entity(const Entity& other) : Entity() { *this = other; }
@@ -15,6 +26,7 @@ Entity& Entity::operator=(const Entity& other) {
   }
   EntityImplementation& to = *implementation_;
   const EntityImplementation& from = *other.implementation_;
+  CountChange(to);
   to.name = from.name;
   to.entityType = from.entityType;
   to.parallelType = from.parallelType;
@@ -37,7 +49,10 @@ void Entity::SetEntityName(const std::wstring& name) { implementation_->name = n
 
 void Entity::SetParentEntityId(const EntityId& id) { implementation_->parentEntityId = id; }
 
-void Entity::SetRegister(const Register& reg) { implementation_->reg = reg; }
+void Entity::SetRegister(const Register& reg) {
+  CountChange(*implementation_);
+  implementation_->reg = reg;
+}
 
 void Entity::SetIsMotor(bool isMotor) { implementation_->isMotor = isMotor; }
 
@@ -105,17 +120,34 @@ double Entity::GetRangeMin() const { return implementation_->link.GetRangeMin();
 
 double Entity::GetRangeMax() const { return implementation_->link.GetRangeMax(); }
 
-void Entity::SetEntityId(const EntityId& id) { implementation_->entityId = id; }
+void Entity::SetEntityId(const EntityId& id) {
+  CountChange(*implementation_);
+  implementation_->entityId = id;
+}
 
-void Entity::SetEntityType(const EntityType& type) { implementation_->entityType = type; }
+void Entity::SetEntityType(const EntityType& type) {
+  CountChange(*implementation_);
+  implementation_->entityType = type;
+}
 
 void Entity::SetEntityParallelType(const EntityParallelType& type) {
   implementation_->parallelType = type;
 }
 
-void Entity::SetLevel(int level) { implementation_->level = level; }
+void Entity::SetLevel(int level) {
+  CountChange(*implementation_);
+  implementation_->level = level;
+}
 
-void Entity::SetParentEntity(const Entity* parent) { implementation_->parentEntity = parent; }
+void Entity::SetParentEntity(const Entity* parent) {
+  CountChange(*implementation_);
+  implementation_->parentEntity = parent;
+}
+
+void Entity::CountChangesIn(unsigned long long* changeNb) {
+  implementation_->changeNb = changeNb;
+  implementation_->link.changeNb_ = changeNb;
+}
 
 bool Entity::GetEntityTypeFromDict(const std::wstring& word, EntityType& type) {
   return EntityTypeWords.Find(word, &type);

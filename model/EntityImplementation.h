@@ -22,6 +22,9 @@ struct EntityImplementation {
   std::unique_ptr<EntityMesh> mesh;
   const Entity* parentEntity = nullptr;  // in the same machine's list
   int level = 0;
+
+  // Counts changes of what calculators take down; null outside a finished machine.
+  unsigned long long* changeNb = nullptr;
 };
 
 }  // namespace Orvo::Kin

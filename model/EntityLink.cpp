@@ -27,6 +27,7 @@ EntityLink::EntityLink(const EntityLink& other) : EntityLink() { *this = other; 
 
 EntityLink& EntityLink::operator=(const EntityLink& other) {
   if (this != &other) {
+    CountChange();
     type_ = other.type_;
     center_ = other.center_;
     dir_ = other.dir_;
@@ -40,13 +41,21 @@ EntityLink& EntityLink::operator=(const EntityLink& other) {
 
 EntityLink::~EntityLink() = default;
 
+void EntityLink::CountChange() {
+  if (changeNb_ != nullptr) {
+    ++*changeNb_;
+  }
+}
+
 void EntityLink::SetEntityLinkLinear(const Vector3D& dir) {
+  CountChange();
   type_ = EntityLinkTypeLinear;
   dir_ = dir;
   dir_.MakeUnit(SmallestLinkDirection);
 }
 
 void EntityLink::SetEntityLinkRotary(const Vector3D& center, const Vector3D& dir) {
+  CountChange();
   // The arguments may be this link's own fields.
   const Vector3D givenDir = dir;
   type_ = EntityLinkTypeRotary;
@@ -56,11 +65,15 @@ void EntityLink::SetEntityLinkRotary(const Vector3D& center, const Vector3D& dir
 }
 
 void EntityLink::SetEntityLinkPosition(const Matrix43& position) {
+  CountChange();
   type_ = EntityLinkTypePosition;
   position_ = position;
 }
 
-void EntityLink::SetZeroRef(unsigned int slot, double value) { WriteSlot(zeroRef_, slot, value); }
+void EntityLink::SetZeroRef(unsigned int slot, double value) {
+  CountChange();
+  WriteSlot(zeroRef_, slot, value);
+}
 
 void EntityLink::SetZeroRef(double value) { SetZeroRef(0, value); }
 

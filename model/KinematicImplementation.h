@@ -3,6 +3,7 @@
 #include "model/PlaceTable.h"
 
 #include <Orvo/Kin/Entity.h>
+#include <Orvo/Kin/Kinematic.h>
 
 #include <list>
 #include <vector>
@@ -23,6 +24,16 @@ struct KinematicImplementation {
   std::vector<const Entity*> heads;
   PlaceTable byEntityId;
   PlaceTable byRegister;
+
+  // Grows with every change of what calculators take down of the elements, from Finish on.
+  unsigned long long changeNb = 0;
+};
+
+/// Reaches the store of a Kinematic.
+struct KinematicAccess {
+  static const KinematicImplementation& Store(const Kinematic& kinematic) {
+    return *kinematic.implementation_;
+  }
 };
 
 }  // namespace Orvo::Kin

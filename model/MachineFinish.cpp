@@ -154,7 +154,9 @@ bool Machine::Finish() {
     byPlace[i]->SetParentEntity(
         parents[i] == NoPlace ? nullptr : byPlace[static_cast<std::size_t>(parents[i])]);
     byPlace[i]->SetLevel(levels[i]);
+    byPlace[i]->CountChangesIn(&store.changeNb);
   }
+  ++store.changeNb;
 
   linearAxesNb_ = CountLinearAxesNb();
   finished_ = IsValid();

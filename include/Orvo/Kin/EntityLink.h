@@ -82,7 +82,10 @@ class ORVO_API EntityLink : public ISerializableXML {
   bool DeserializeXML(XMLReader& reader, XMLElement* parent) override;
 
  private:
+  friend class Entity;
+
   bool GetEntityLinkTypeFromDict(const std::wstring& word, EntityLinkType& type);
+  void CountChange();
 
   EntityLinkType type_;
   Vector3D center_;
@@ -91,6 +94,9 @@ class ORVO_API EntityLink : public ISerializableXML {
   double zeroRef_[LinkSlotCount];
   double rangeMin_[LinkSlotCount];
   double rangeMax_[LinkSlotCount];
+
+  // Counts changes of the link; null where nobody asks. A copy has none.
+  unsigned long long* changeNb_ = nullptr;
 };
 
 }  // namespace Orvo::Kin

@@ -15,6 +15,7 @@
 namespace Orvo::Kin {
 
 class Machine;
+struct KinematicAccess;
 struct KinematicImplementation;
 
 /// Stores the elements of a machine and finds them by id, register, head and table.
@@ -54,6 +55,7 @@ class ORVO_API Kinematic : public ISerializableXML {
 
  protected:
   friend class Machine;
+  friend struct KinematicAccess;
 
   bool SerializeXML(XMLWriter& writer, XMLElement* parent) override;
   bool DeserializeXML(XMLReader& reader, XMLElement* parent) override;

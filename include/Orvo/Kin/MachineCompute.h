@@ -19,6 +19,7 @@ class Entity;
 class Machine;
 struct MachineComputeImplementation;
 struct RotariesSolution;
+struct RotaryDirections;
 
 /// Computes where the elements of a finished machine stand, and which axis values bring the tool
 /// to a direction or a point.
@@ -183,6 +184,8 @@ class ORVO_API MachineCompute {
                      const Vector3D& target, const Register& reg1, const Register& reg2,
                      RotariesSolution* sol);
   void SwapSolAlphaBeta(RotariesSolution* sol);
+  bool FindRotaryDirections(const MachinePosition& pos, const Register registers[2],
+                            RotaryDirections* directions);
   void BuildAxisChain(const HeadIndex& head, const TableIndex& table);
   bool Fail(MachineComputeErrorType error);
 

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "compute/LinkFrame.h"
+
+#include <Orvo/Kin/Entity.h>
+#include <Orvo/Matrix43.h>
+
+#include <cstddef>
+#include <vector>
+
+namespace Orvo::Kin {
+
+/// The world frames of all elements, with what of their links is kept from one set of axis values to
+/// the next. Bit for bit what ComputePositionMachine computes link by link.
+class AllFrames {
+ public:
+  /// Takes down elements, parents first. Returns false where a link is of no known kind: there are
+  /// no such frames then.
+  bool Build(const std::vector<const Entity*>& entities, std::size_t frameNb);
+
+  /// The smallest size of a position that has all registers of the elements.
+  std::size_t RegisterBound() const { return registerBound_; }
+
+  /// Writes the frames for axis values by register, each at the place of its element's id.
+  void Compute(const double* values, Matrix43* frames);
+
+ private:
+  static constexpr std::size_t None = static_cast<std::size_t>(-1);
+
+  /// An element with a place among the frames.
+  struct Element {
+    LinkShape::Kind kind;
+    std::size_t reg;
+    double value;  // that the link's frame is computed for
+    std::size_t place;
+    std::size_t parentPlace;
+    TypedFrame link;
+  };
+
+  std::vector<LinkShape> shapes_;
+  std::vector<Element> elements_;
+  std::size_t registerBound_ = 0;
+};
+
+}  // namespace Orvo::Kin

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "compute/FrameChain.h"
+
+#include <Orvo/Kin/Entity.h>
+#include <Orvo/Vector3D.h>
+
+#include <cstddef>
+
+namespace Orvo::Kin {
+
+/// The frame from a head to a table, kept from one set of axis values to the next.
+class TableFromHead {
+ public:
+  /// Takes down the links of both. Returns false where one is of no known kind.
+  bool Build(const Entity& head, const Entity& table);
+
+  std::size_t RegisterBound() const;
+
+  /// Computes the frame with the tool point as origin, as ComputeMcsToToolTcs does, bit for bit.
+  void Compute(const double* values, const Vector3D& offset, Matrix43* tableFromToolPoint);
+
+ private:
+  FrameChain head_;
+  FrameChain table_;
+  TypedFrame tableFromHead_;
+};
+
+}  // namespace Orvo::Kin
