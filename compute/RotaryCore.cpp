@@ -1,5 +1,6 @@
 #include "compute/RotaryCore.h"
 
+#include "compute/RotaryTolerances.h"
 #include "geometry/VectorKernel.h"
 
 #include <cmath>
@@ -8,19 +9,6 @@
 namespace Orvo::Kin {
 
 namespace {
-
-constexpr double PlanePlaneTolerance = 0.0001;
-constexpr double TangentInnerTolerance = 1e-7;
-constexpr double TangentOuterTolerance = 1e-5;
-constexpr double LinePlaneTolerance = 0.0001;
-
-constexpr double SmallestDirection = 0.001;
-
-// Directions that agree this well, by component, are the same.
-constexpr double SameDirectionTolerance = 1e-5;
-
-// Angles that differ by less are the same, in degrees.
-constexpr double SameAngleDeg = 0.001;
 
 // For one axis: sizes of the cosines to the axis below which a direction is perpendicular to it,
 // and the largest difference of the two cosines.
@@ -40,7 +28,7 @@ void SolveTwoRotaries(const Vector3D& axis1, const Vector3D& axis2, const Vector
   const Vector3D center = Times(axis1, Dot(axis1, tool));
   const Vector3D radius = Minus(tool, center);
   Vector3D unitTarget = target;
-  unitTarget.MakeUnit(SmallestDirection);
+  unitTarget.MakeUnit(SmallestRequest);
   const Circle3D tipCircle(center, axis1, Length(radius));
   const Plane3D targetPlane(unitTarget, axis2);
   intersection->TolPlanePlane = PlanePlaneTolerance;

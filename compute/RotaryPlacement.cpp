@@ -76,6 +76,10 @@ const RotaryDirections& RotaryPlacement::Compute(const double* values) {
       inTable *= axis.sideSign;
     }
   }
+  if (axes_[0].isDefined && axes_[1].isDefined) {
+    const int nearer = directions_.isAlphaNearerHead ? 0 : 1;
+    pair_ = RotaryPair(directions_.axes[nearer], directions_.axes[1 - nearer], directions_.tool);
+  }
   return directions_;
 }
 

@@ -2,6 +2,7 @@
 
 #include "compute/AxisChain.h"
 #include "compute/FrameChain.h"
+#include "compute/RotaryPair.h"
 
 #include <Orvo/Kin/Register.h>
 #include <Orvo/Vector3D.h>
@@ -30,6 +31,9 @@ class RotaryPlacement {
   /// Computes the directions for axis values by register.
   const RotaryDirections& Compute(const double* values);
 
+  /// Both axes for those directions, where both are defined.
+  const RotaryPair& Pair() const { return pair_; }
+
  private:
   struct Axis {
     bool isDefined = false;
@@ -42,6 +46,7 @@ class RotaryPlacement {
   FrameChain table_;
   Axis axes_[2];
   RotaryDirections directions_;
+  RotaryPair pair_;
 };
 
 }  // namespace Orvo::Kin

@@ -54,8 +54,9 @@ bool MachineCompute::ComputeToolIjkTcsToMcsAbc(const MachinePosition& pos, const
 
   const RotaryDirections* directions;
   RotaryDirections found;
-  if (RotaryPlacement* const kept = implementation_->kept.RotaryPlacementFor(
-          scratch, implementation_->machine->GetKinematic(), chain, registers)) {
+  RotaryPlacement* const kept = implementation_->kept.RotaryPlacementFor(
+      scratch, implementation_->machine->GetKinematic(), chain, registers);
+  if (kept != nullptr) {
     directions = &kept->Compute(&scratch[Register(0)]);
   } else if (FindRotaryDirections(scratch, registers, &found)) {
     directions = &found;
@@ -76,14 +77,17 @@ bool MachineCompute::ComputeToolIjkTcsToMcsAbc(const MachinePosition& pos, const
     return true;
   }
   // The axis nearer the head turns the tool first.
-  const bool isSolved =
-      directions->isAlphaNearerHead
-          ? ComputeAngles(directions->axes[0], directions->axes[1], directions->tool, ijk, r0, r1, sol)
-          : ComputeAngles(directions->axes[1], directions->axes[0], directions->tool, ijk, r1, r0, sol);
-  if (!isSolved) {
-    return Fail(ComputeErrorNoSolution);
+  const bool isAlphaNearerHead = directions->isAlphaNearerHead;
+  if (kept == nullptr || !kept->Pair().Solve(ijk, isAlphaNearerHead ? r1 : r0, sol)) {
+    const bool isSolved =
+        isAlphaNearerHead
+            ? ComputeAngles(directions->axes[0], directions->axes[1], directions->tool, ijk, r0, r1, sol)
+            : ComputeAngles(directions->axes[1], directions->axes[0], directions->tool, ijk, r1, r0, sol);
+    if (!isSolved) {
+      return Fail(ComputeErrorNoSolution);
+    }
   }
-  if (!directions->isAlphaNearerHead) {
+  if (!isAlphaNearerHead) {
     SwapSolAlphaBeta(sol);
   }
   return true;

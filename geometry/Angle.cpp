@@ -1,20 +1,12 @@
+#include "geometry/AngleKernel.h"
 #include "geometry/Degrees.h"
-#include "geometry/VectorKernel.h"
 
 #include <Orvo/Angle.h>
 #include <Orvo/Vector3D.h>
 
-#include <algorithm>
 #include <cmath>
 
 namespace Orvo {
-
-namespace {
-
-// A direction shorter than this, in the caller's unit, has no angle.
-constexpr double ShortestDirection = 0.00001;
-
-}  // namespace
 
 Angle::Angle() : radians_(0.0) {}
 
@@ -35,18 +27,13 @@ void Angle::SetDegre(double degrees) { radians_ = RadiansFromDegrees(degrees); }
 double Angle::GetDegre() const { return DegreesFromRadians(radians_); }
 
 bool Angle::SetVector3DRef(const Vector3D& from, const Vector3D& to, const Vector3D& ref) {
-  const double fromLength = Length(from);
-  const double toLength = Length(to);
-  if (fromLength < ShortestDirection || toLength < ShortestDirection) {
+  const UnitDirection unitFrom(from);
+  const UnitDirection unitTo(to);
+  if (!unitFrom.HasAngle() || !unitTo.HasAngle()) {
     radians_ = 0.0;
     return false;
   }
-  const Vector3D a(from[0] / fromLength, from[1] / fromLength, from[2] / fromLength);
-  const Vector3D b(to[0] / toLength, to[1] / toLength, to[2] / toLength);
-  const double cosine = std::clamp(Dot(a, b), -1.0, 1.0);
-  const Vector3D normal = Cross(a, b);
-  const double angle = std::atan2(Length(normal), cosine);
-  radians_ = Dot(normal, ref) < 0.0 ? -angle : angle;
+  radians_ = AngleBetween(unitFrom.dir, unitTo.dir, ref);
   return true;
 }
 
