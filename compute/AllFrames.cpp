@@ -3,6 +3,7 @@
 #include "compute/SameValue.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Orvo::Kin {
 
@@ -20,18 +21,16 @@ std::size_t PlaceOf(const Entity* entity, std::size_t frameNb, std::size_t none)
 
 bool AllFrames::Build(const std::vector<const Entity*>& entities, std::size_t frameNb) {
   *this = AllFrames();
+  elements_.reserve(entities.size());
   for (const Entity* entity : entities) {
-    const LinkShape shape = ShapeOfLink(*entity);
-    if (shape.kind == LinkShape::Kind::Unknown) {
+    Element element;
+    if (!TakeDown(*entity, &element.link)) {
       return false;
     }
-    Element element;
-    element.kind = shape.kind;
-    element.reg = 0;
-    element.value = 0.0;
-    if (shape.IsAxis()) {
-      element.reg = static_cast<std::size_t>(shape.reg);
-      registerBound_ = std::max(registerBound_, element.reg + 1);
+    const auto reg = static_cast<std::size_t>(element.link.reg);
+    const bool isAxis = element.link.kind != KeptLink::Kind::Fixed;
+    if (isAxis) {
+      registerBound_ = std::max(registerBound_, reg + 1);
     }
     element.place = PlaceOf(entity, frameNb, None);
     element.parentPlace = PlaceOf(entity->GetParentEntity(), frameNb, None);
@@ -41,44 +40,42 @@ bool AllFrames::Build(const std::vector<const Entity*>& entities, std::size_t fr
     if (element.place == element.parentPlace) {
       return false;
     }
-    ComputeLinkFrame(shape, 0.0, &element.link);
-    shapes_.push_back(shape);
-    elements_.push_back(element);
+    if (isAxis) {
+      axes_.push_back({reg, elements_.size(), 0.0});
+    }
+    elements_.push_back(std::move(element));
   }
   return true;
 }
 
 void AllFrames::Compute(const double* values, Matrix43* frames) {
-  const LinkShape* shape = shapes_.data();
-  for (Element& element : elements_) {
-    if (element.kind != LinkShape::Kind::Fixed) {
-      const double value = values[element.reg];
-      if (!IsSameValue(value, element.value)) {
-        ComputeLinkFrame(*shape, value, &element.link);
-        element.value = value;
-      }
+  for (Axis& axis : axes_) {
+    const double value = values[axis.reg];
+    if (!IsSameValue(value, axis.value)) {
+      SetAxisValue(value, &elements_[axis.element].link);
+      axis.value = value;
     }
-    ++shape;
+  }
+  for (const Element& element : elements_) {
+    const TypedFrame& link = element.link.frame;
     Matrix43& frame = frames[element.place];
     double* const m = FrameAccess::Elements(&frame);
     if (element.parentPlace == None) {
       // An identity is not written onto an identity.
-      if (element.link.type != Matrix43::Identity ||
-          FrameAccess::Type(frame) != Matrix43::Identity) {
-        CopyFrame(element.link.elements, m);
-        FrameAccess::SetType(&frame, element.link.type);
+      if (link.type != Matrix43::Identity || FrameAccess::Type(frame) != Matrix43::Identity) {
+        CopyFrame(link.elements, m);
+        FrameAccess::SetType(&frame, link.type);
       }
       continue;
     }
     const Matrix43& parent = frames[element.parentPlace];
     const Matrix43::Type parentType = FrameAccess::Type(parent);
-    if (parentType == Matrix43::Identity && element.link.type == Matrix43::Identity &&
+    if (parentType == Matrix43::Identity && link.type == Matrix43::Identity &&
         FrameAccess::Type(frame) == Matrix43::Identity) {
       continue;
     }
-    FrameAccess::SetType(&frame,
-                         MultiplyFrames(FrameAccess::Elements(parent), parentType,
-                                        element.link.elements, element.link.type, m));
+    FrameAccess::SetType(&frame, MultiplyFrames(FrameAccess::Elements(parent), parentType,
+                                                link.elements, link.type, m));
   }
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "compute/LinkFrame.h"
+#include "compute/KeptLink.h"
 
 #include <Orvo/Kin/Entity.h>
 #include <Orvo/Matrix43.h>
@@ -10,8 +10,8 @@
 
 namespace Orvo::Kin {
 
-/// The world frames of all elements, with what of their links is kept from one set of axis values to
-/// the next. Bit for bit what ComputePositionMachine computes link by link.
+/// The world frames of all elements, with what of their links is kept from one set of axis values
+/// to the next. Bit for bit what ComputePositionMachine computes link by link.
 class AllFrames {
  public:
   /// Takes down elements, parents first. Returns false where a link is of no known kind: there are
@@ -29,16 +29,20 @@ class AllFrames {
 
   /// An element with a place among the frames.
   struct Element {
-    LinkShape::Kind kind;
-    std::size_t reg;
-    double value;  // that the link's frame is computed for
-    std::size_t place;
-    std::size_t parentPlace;
-    TypedFrame link;
+    KeptLink link;
+    std::size_t place = 0;
+    std::size_t parentPlace = None;
   };
 
-  std::vector<LinkShape> shapes_;
+  /// An axis among the elements, with the value that its link is computed for.
+  struct Axis {
+    std::size_t reg;
+    std::size_t element;
+    double value;
+  };
+
   std::vector<Element> elements_;
+  std::vector<Axis> axes_;
   std::size_t registerBound_ = 0;
 };
 

@@ -8,7 +8,6 @@ namespace Orvo::Kin {
 
 namespace {
 
-constexpr double FullTurnDeg = 360.0;
 constexpr double MostSingleTurns = 10000.0;
 
 // Of many turns, these are left to be added one by one. Where a turn still changes an angle, the

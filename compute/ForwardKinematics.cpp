@@ -3,6 +3,7 @@
 #include "compute/RegisterBounds.h"
 #include "compute/ToolOffset.h"
 #include "geometry/VectorKernel.h"
+#include "model/PositionAccess.h"
 
 #include <Orvo/Angle.h>
 #include <Orvo/Kin/MachineCompute.h>
@@ -77,26 +78,35 @@ bool MachineCompute::ComputePositionEntity(const Entity& entity, const MachinePo
 
 bool MachineCompute::ComputePositionMachine(const MachinePosition& pos,
                                             std::vector<Matrix43>* frames) {
-  const Machine& machine = *implementation_->machine;
-  if (!machine.IsFinished()) {
+  MachineComputeImplementation& record = *implementation_;
+  const Machine& machine = *record.machine;
+  if (!machine.finished_) {
     return Fail(ComputeErrorNotFinished);
   }
   if (frames == nullptr) {
     return Fail(ComputeErrorNullOutput);
   }
-  if (pos.Size() == 0) {
+  const std::vector<double>& values = PositionAccess::Values(pos);
+  if (values.empty()) {
     return Fail(ComputeErrorEmptyPosition);
   }
-  if (implementation_->entityOrder.empty()) {
-    implementation_->entityOrder = OrderParentsFirst(machine.GetKinematic().GetListEntity());
+  if (record.entityOrder.empty()) {
+    record.entityOrder = OrderParentsFirst(machine.GetKinematic().GetListEntity());
   }
-  frames->resize(static_cast<std::size_t>(machine.entityIdMax_.GetVal() + 1));
-  if (AllFrames* const kept = implementation_->kept.FramesFor(
-          pos, machine.GetKinematic(), implementation_->entityOrder, frames->size())) {
-    kept->Compute(&pos[Register(0)], frames->data());
+  const auto frameNb = static_cast<std::size_t>(machine.entityIdMax_.GetVal() + 1);
+  if (frames->size() != frameNb) {
+    frames->resize(frameNb);
+  }
+  KeptResults* const kept = record.kept.Current(KinematicAccess::Store(machine.kinematic_));
+  AllFrames* const all =
+      kept == nullptr ? nullptr : kept->frames.Make({}, values.size(), [&](AllFrames* made) {
+        return made->Build(record.entityOrder, frameNb);
+      });
+  if (all != nullptr) {
+    all->Compute(values.data(), frames->data());
     return true;
   }
-  for (const Entity* entity : implementation_->entityOrder) {
+  for (const Entity* entity : record.entityOrder) {
     // Deliberate: a link that fails counts as the identity.
     Matrix43 parentFromEntity;
     ComputeRelativePosition(entity->GetEntityLink(), entity->GetRegister(), pos, &parentFromEntity);
@@ -116,25 +126,32 @@ bool MachineCompute::ComputePositionMachine(const MachinePosition& pos,
 bool MachineCompute::ComputeMcsToToolTcs(const MachinePosition& pos, const HeadIndex& head,
                                          const TableIndex& table, const Vector3D& offset,
                                          Matrix43* frame) {
-  const Machine& machine = *implementation_->machine;
-  if (!machine.IsFinished()) {
+  MachineComputeImplementation& record = *implementation_;
+  const Machine& machine = *record.machine;
+  if (!machine.finished_) {
     return Fail(ComputeErrorNotFinished);
   }
   if (frame == nullptr) {
     return Fail(ComputeErrorNullOutput);
   }
-  const Entity* const headEntity = machine.GetKinematic().GetEntityHead(head);
-  const Entity* const tableEntity = machine.GetKinematic().GetEntityTable(table);
+  const KinematicImplementation& store = KinematicAccess::Store(machine.kinematic_);
+  const Entity* const headEntity = store.Head(head);
+  const Entity* const tableEntity = store.Table(table);
   if (headEntity == nullptr || tableEntity == nullptr) {
     return Fail(ComputeErrorNoHeadOrTable);
   }
-  if (TableFromHead* const kept = implementation_->kept.TableFromHeadFor(
-          pos, machine.GetKinematic(), *headEntity, *tableEntity)) {
-    if (pos.Size() == 0) {
-      return Fail(ComputeErrorEmptyPosition);
+  const std::vector<double>& values = PositionAccess::Values(pos);
+  if (values.empty()) {
+    return Fail(ComputeErrorEmptyPosition);
+  }
+  if (KeptResults* const kept = record.kept.Current(store)) {
+    TableFromHead* const tableFromHead = kept->tableFromHead.Make(
+        {headEntity, tableEntity}, values.size(),
+        [&](TableFromHead* made) { return made->Build(*headEntity, *tableEntity); });
+    if (tableFromHead != nullptr) {
+      tableFromHead->Compute(values.data(), offset, frame);
+      return true;
     }
-    kept->Compute(&pos[Register(0)], offset, frame);
-    return true;
   }
   Matrix43 worldFromHead;
   Matrix43 worldFromTable;

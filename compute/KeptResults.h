@@ -1,140 +1,123 @@
 #pragma once
 
 #include "compute/AllFrames.h"
-#include "compute/AxisChain.h"
 #include "compute/LinearPlacement.h"
 #include "compute/RotaryPlacement.h"
 #include "compute/TableFromHead.h"
 #include "model/KinematicImplementation.h"
 
-#include <Orvo/Kin/Kinematic.h>
-#include <Orvo/Kin/MachinePosition.h>
-#include <Orvo/Kin/Register.h>
+#include <Orvo/Kin/Entity.h>
 
-#include <array>
 #include <cstddef>
+#include <memory>
 #include <new>
+#include <utility>
 #include <vector>
 
 namespace Orvo::Kin {
 
 /// What a calculator keeps of a machine, so that a call computes only what its axis values change.
 ///
-/// Everything here gives the bits of the plain computation, link by link, and nothing where that
-/// could fail: the plain computation takes over then. A change of the machine's elements is seen at
-/// the next call.
+/// Everything here gives the bits of the plain computation, link by link. It is made by a call that
+/// the plain computation has accepted so far, and found again by the next call with the same key,
+/// when that has all axis values; in all other cases the plain computation goes on alone. A change
+/// of the machine's elements makes all of it void at the next call.
 class KeptResults {
  public:
-  /// Returns the frames of all elements for a position, or null.
-  AllFrames* FramesFor(const MachinePosition& pos, const Kinematic& kinematic,
-                       const std::vector<const Entity*>& entities, std::size_t frameNb) {
-    if (!Renew(kinematic)) {
-      return nullptr;
-    }
-    return frames_.For(pos, frameNb,
-                       [&](AllFrames* frames) { return frames->Build(entities, frameNb); });
-  }
+  /// What a result depends on besides axis values.
+  struct Key {
+    const Entity* head = nullptr;
+    const Entity* table = nullptr;
+    int registers[3] = {-1, -1, -1};
 
-  /// Returns the frame from a head to a table for a position, or null.
-  TableFromHead* TableFromHeadFor(const MachinePosition& pos, const Kinematic& kinematic,
-                                  const Entity& head, const Entity& table) {
-    if (!Renew(kinematic)) {
-      return nullptr;
-    }
-    return tableFromHead_.For(pos, std::array{&head, &table},
-                              [&](TableFromHead* kept) { return kept->Build(head, table); });
-  }
-
-  /// Returns the directions of a rotary solution for a position, or null.
-  RotaryPlacement* RotaryPlacementFor(const MachinePosition& pos, const Kinematic& kinematic,
-                                      const AxisChain& chain, const Register registers[2]) {
-    if (!Renew(kinematic)) {
-      return nullptr;
-    }
-    const RotaryKey key{chain.Head(), chain.Table(), registers[0].GetVal(), registers[1].GetVal()};
-    return rotary_.For(pos, key,
-                       [&](RotaryPlacement* kept) { return kept->Build(chain, registers); });
-  }
-
-  /// Returns the frame of a linear solution for a position, or null.
-  LinearPlacement* LinearPlacementFor(const MachinePosition& pos, const Kinematic& kinematic,
-                                      const AxisChain& chain, const Register registers[3]) {
-    if (!Renew(kinematic)) {
-      return nullptr;
-    }
-    const LinearKey key{chain.Head(), chain.Table(), registers[0].GetVal(), registers[1].GetVal(),
-                        registers[2].GetVal()};
-    return linear_.For(pos, key, [&](LinearPlacement* kept) {
-      return kept->Build(chain, kinematic, registers);
-    });
-  }
-
-  /// Tells the plain computation to do everything; for comparing the two.
-  void SetIsOff(bool isOff) { isOff_ = isOff; }
-
- private:
-  struct RotaryKey {
-    const Entity* head;
-    const Entity* table;
-    int r0, r1;
-    bool operator==(const RotaryKey&) const = default;
+    bool operator==(const Key&) const = default;
   };
 
-  struct LinearKey {
-    const Entity* head;
-    const Entity* table;
-    int x, y, z;
-    bool operator==(const LinearKey&) const = default;
-  };
-
-  /// A result that is built anew for another key.
-  template <typename Result, typename Key>
-  class Kept {
+  /// Results of one kind, by key. There are a few: enough for a program that goes from one head
+  /// or table to another and back; more than that replace each other in turn.
+  template <typename Result>
+  class Shelf {
    public:
-    void Forget() { isBuilt_ = false; }
-
-    template <typename Build>
-    Result* For(const MachinePosition& pos, const Key& key, Build build) {
-      if (!isBuilt_ || !(key == key_)) {
-        isBuilt_ = false;
-        try {
-          result_ = Result();
-          isUsable_ = build(&result_);
-        } catch (const std::bad_alloc&) {
-          return nullptr;
+    /// Returns the result for a key and a position of a size, or null; for an empty one always.
+    Result* Find(const Key& key, std::size_t valueNb) {
+      if (!(latest_ != nullptr && latest_->key == key)) {
+        latest_ = nullptr;
+        for (const auto& entry : entries_) {
+          if (entry->key == key) {
+            latest_ = entry.get();
+          }
         }
-        key_ = key;
-        isBuilt_ = true;
       }
-      return isUsable_ && result_.RegisterBound() <= pos.Size() ? &result_ : nullptr;
+      const bool isFound = latest_ != nullptr && latest_->isUsable && valueNb != 0 &&
+                           valueNb >= latest_->result.RegisterBound();
+      return isFound ? &latest_->result : nullptr;
     }
+
+    /// Makes the result for a key by build(&result), if need be, and finds it. Without memory for
+    /// it there is none.
+    template <typename Build>
+    Result* Make(const Key& key, std::size_t valueNb, Build build) {
+      Result* const found = Find(key, valueNb);
+      if (latest_ != nullptr) {
+        return found;
+      }
+      try {
+        auto entry = std::make_unique<Entry>();
+        entry->key = key;
+        entry->isUsable = build(&entry->result);
+        if (entries_.size() < MostEntries) {
+          entries_.push_back(std::move(entry));
+        } else {
+          entries_[next_] = std::move(entry);
+          next_ = (next_ + 1) % MostEntries;
+        }
+      } catch (const std::bad_alloc&) {
+        return nullptr;
+      }
+      return Find(key, valueNb);
+    }
+
+    void Clear() { *this = Shelf(); }
 
    private:
-    Result result_;
-    Key key_{};
-    bool isBuilt_ = false;
-    bool isUsable_ = false;
+    static constexpr std::size_t MostEntries = 4;
+
+    struct Entry {
+      Key key;
+      bool isUsable = false;
+      Result result;
+    };
+
+    std::vector<std::unique_ptr<Entry>> entries_;
+    Entry* latest_ = nullptr;
+    std::size_t next_ = 0;
   };
 
-  bool Renew(const Kinematic& kinematic) {
-    const KinematicImplementation& store = KinematicAccess::Store(kinematic);
+  /// Returns the kept results of a machine as its elements are now, or null where everything shall
+  /// be computed plainly.
+  KeptResults* Current(const KinematicImplementation& store) {
     if (&store != store_ || store.changeNb != changeNb_) {
       store_ = &store;
       changeNb_ = store.changeNb;
-      frames_.Forget();
-      tableFromHead_.Forget();
-      rotary_.Forget();
-      linear_.Forget();
+      frames.Clear();
+      tableFromHead.Clear();
+      rotary.Clear();
+      linear.Clear();
     }
-    return !isOff_;
+    return isOff_ ? nullptr : this;
   }
 
+  /// Has everything computed plainly from now on; to compare the two.
+  void SwitchOff() { isOff_ = true; }
+
+  Shelf<AllFrames> frames;
+  Shelf<TableFromHead> tableFromHead;
+  Shelf<RotaryPlacement> rotary;
+  Shelf<LinearPlacement> linear;
+
+ private:
   const KinematicImplementation* store_ = nullptr;
   unsigned long long changeNb_ = 0;
-  Kept<AllFrames, std::size_t> frames_;
-  Kept<TableFromHead, std::array<const Entity*, 2>> tableFromHead_;
-  Kept<RotaryPlacement, RotaryKey> rotary_;
-  Kept<LinearPlacement, LinearKey> linear_;
   bool isOff_ = false;
 };
 

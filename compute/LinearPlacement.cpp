@@ -4,11 +4,12 @@
 #include "compute/ToolOffset.h"
 #include "geometry/VectorKernel.h"
 
-#include <algorithm>
-
 namespace Orvo::Kin {
 
 namespace {
+
+// The chains; the last three are those of the parents of the axes.
+enum Chain : std::size_t { Head, Table, FirstAxis };
 
 bool IsSameOffset(const Vector3D& a, const Vector3D& b) {
   return IsSameValue(a[0], b[0]) && IsSameValue(a[1], b[1]) && IsSameValue(a[2], b[2]);
@@ -34,39 +35,33 @@ bool LinearPlacement::Build(const AxisChain& chain, const Kinematic& kinematic,
   if (foundNb != 3) {
     return false;
   }
-  for (int i = 0; i < 3; ++i) {
-    Axis& axis = axes_[i];
-    const Entity* const entity = kinematic.GetEntity(registers[i]);
-    if (axis.sideSign == 0.0 || entity == nullptr || !IsLinearAxis(*entity) ||
-        !axis.parent.Build(entity->GetParentEntity(), FrameChain::Axes::Rotary)) {
-      return false;
-    }
-    axis.dir = entity->GetEntityLink().GetDir();
-    registerBound_ = std::max(registerBound_, axis.parent.RegisterBound());
-  }
-  if (!head_.Build(chain.Head(), FrameChain::Axes::All) ||
-      !table_.Build(chain.Table(), FrameChain::Axes::All)) {
+  chains_.KeepAtZero({registers[0].GetVal(), registers[1].GetVal(), registers[2].GetVal()});
+  if (!chains_.Add(chain.Head(), FrameChains::Axes::All) ||
+      !chains_.Add(chain.Table(), FrameChains::Axes::All)) {
     return false;
   }
-  registerBound_ = std::max(registerBound_, std::max(head_.RegisterBound(), table_.RegisterBound()));
+  for (int i = 0; i < 3; ++i) {
+    const Entity* const entity = kinematic.GetEntity(registers[i]);
+    if (axes_[i].sideSign == 0.0 || entity == nullptr || !IsLinearAxis(*entity) ||
+        !chains_.Add(entity->GetParentEntity(), FrameChains::Axes::Rotary)) {
+      return false;
+    }
+    axes_[i].dir = entity->GetEntityLink().GetDir();
+  }
+  chains_.Prepare();
   return true;
 }
 
 void LinearPlacement::Compute(const double* values, const Vector3D& offset, const Vector3D& point,
                               Vector3D* xyz) {
-  bool hasMoved = head_.Update(values);
-  hasMoved = table_.Update(values) || hasMoved;
-  for (Axis& axis : axes_) {
-    hasMoved = axis.parent.Update(values) || hasMoved;
-  }
-  if (hasMoved || !IsSameOffset(offset, offset_)) {
+  if (chains_.Update(values) || !IsSameOffset(offset, offset_)) {
     offset_ = offset;
     TypedFrame tableFromWorld;
-    Invert(table_.Frame(), &tableFromWorld);
+    Invert(chains_.Frame(Table), &tableFromWorld);
     TypedFrame headFromToolPoint;
     SetHeadFromToolPoint(offset, &headFromToolPoint);
     TypedFrame worldFromToolPoint;
-    Multiply(head_.Frame(), headFromToolPoint, &worldFromToolPoint);
+    Multiply(chains_.Frame(Head), headFromToolPoint, &worldFromToolPoint);
     TypedFrame tableFromToolPoint;
     Multiply(tableFromWorld, worldFromToolPoint, &tableFromToolPoint);
 
@@ -75,10 +70,10 @@ void LinearPlacement::Compute(const double* values, const Vector3D& offset, cons
     tableFromAxisValues.type = Matrix43::RotationTranslation;
     for (int i = 0; i < 3; ++i) {
       const Axis& axis = axes_[i];
-      const TypedFrame& worldFromParent = axis.parent.Frame();
+      const TypedFrame& worldFromParent = chains_.Frame(FirstAxis + static_cast<std::size_t>(i));
       alignas(16) double inWorld[4];
-      StoreLanes(inWorld, ApplyFrameToDirection(worldFromParent.elements, worldFromParent.type,
-                                                axis.dir));
+      StoreLanes(inWorld,
+                 ApplyFrameToDirection(worldFromParent.elements, worldFromParent.type, axis.dir));
       StoreLanes(inWorld, Scale(LoadLanes(inWorld), axis.sideSign));
       StoreLanes(tableFromAxisValues.elements + 4 * i,
                  ApplyFrameToDirection(tableFromWorld.elements, tableFromWorld.type, inWorld));
@@ -87,8 +82,8 @@ void LinearPlacement::Compute(const double* values, const Vector3D& offset, cons
                WithW(LoadLanes(tableFromToolPoint.elements + 12), 1.0));
     Invert(tableFromAxisValues, &axisValuesFromTable_);
   }
-  StoreLanes(*xyz, ApplyFrameToPoint(axisValuesFromTable_.elements, axisValuesFromTable_.type,
-                                     point));
+  StoreLanes(*xyz,
+             ApplyFrameToPoint(axisValuesFromTable_.elements, axisValuesFromTable_.type, point));
 }
 
 }  // namespace Orvo::Kin

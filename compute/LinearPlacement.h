@@ -1,7 +1,7 @@
 #pragma once
 
 #include "compute/AxisChain.h"
-#include "compute/FrameChain.h"
+#include "compute/FrameChains.h"
 
 #include <Orvo/Kin/Kinematic.h>
 #include <Orvo/Kin/Register.h>
@@ -19,7 +19,7 @@ class LinearPlacement {
   /// where the axes of the registers are not what a solution needs.
   bool Build(const AxisChain& chain, const Kinematic& kinematic, const Register registers[3]);
 
-  std::size_t RegisterBound() const { return registerBound_; }
+  std::size_t RegisterBound() const { return chains_.RegisterBound(); }
 
   /// Computes the values of the three axes that bring the tool point to a point of the table.
   void Compute(const double* values, const Vector3D& offset, const Vector3D& point, Vector3D* xyz);
@@ -28,13 +28,10 @@ class LinearPlacement {
   struct Axis {
     double sideSign = 0.0;
     Vector3D dir;
-    FrameChain parent;
   };
 
-  FrameChain head_;
-  FrameChain table_;
+  FrameChains chains_;
   Axis axes_[3];
-  std::size_t registerBound_ = 0;
 
   Vector3D offset_;  // that the frame is computed for
   TypedFrame axisValuesFromTable_;

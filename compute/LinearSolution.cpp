@@ -2,11 +2,13 @@
 #include "compute/RegisterBounds.h"
 #include "compute/ToolOffset.h"
 #include "geometry/VectorKernel.h"
+#include "model/PositionAccess.h"
 
 #include <Orvo/Kin/MachineCompute.h>
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace Orvo::Kin {
 
@@ -21,41 +23,54 @@ bool MachineCompute::ComputeToolTcsToMcsXyz(const MachinePosition& pos, const He
                                             const TableIndex& table, const Vector3D& offset,
                                             const Register& x, const Register& y, const Register& z,
                                             const Vector3D& point, Vector3D* xyz) {
-  const Machine& machine = *implementation_->machine;
-  if (!machine.IsFinished()) {
+  MachineComputeImplementation& record = *implementation_;
+  const Machine& machine = *record.machine;
+  if (!machine.finished_) {
     return Fail(ComputeErrorNotFinished);
   }
   if (xyz == nullptr) {
     return Fail(ComputeErrorNullOutput);
   }
   const Register registers[3] = {x, y, z};
-  if (!std::all_of(registers, registers + 3, [](const Register& reg) { return reg.IsDefined(); })) {
-    return Fail(ComputeErrorRegister);
+  const std::vector<double>& values = PositionAccess::Values(pos);
+  const KinematicImplementation& store = KinematicAccess::Store(machine.kinematic_);
+  KeptResults* const kept = record.kept.Current(store);
+  const KeptResults::Key key{
+      store.Head(head), store.Table(table), {x.GetVal(), y.GetVal(), z.GetVal()}};
+  LinearPlacement* placement = kept == nullptr ? nullptr : kept->linear.Find(key, values.size());
+  if (placement == nullptr) {
+    if (!std::all_of(registers, registers + 3,
+                     [](const Register& reg) { return reg.IsDefined(); })) {
+      return Fail(ComputeErrorRegister);
+    }
+    if (values.empty()) {
+      return Fail(ComputeErrorEmptyPosition);
+    }
+    if (!std::all_of(registers, registers + 3,
+                     [&pos](const Register& reg) { return HasRegister(pos, reg); })) {
+      return Fail(ComputeErrorRegister);
+    }
+    BuildAxisChain(head, table);
+    if (record.chain.IsEmpty()) {
+      return Fail(ComputeErrorNoHeadOrTable);
+    }
   }
-  if (pos.Size() == 0) {
-    return Fail(ComputeErrorEmptyPosition);
-  }
-  if (!std::all_of(registers, registers + 3,
-                   [&pos](const Register& reg) { return HasRegister(pos, reg); })) {
-    return Fail(ComputeErrorRegister);
-  }
-  BuildAxisChain(head, table);
-  const AxisChain& chain = implementation_->chain;
-  if (chain.IsEmpty()) {
-    return Fail(ComputeErrorNoHeadOrTable);
-  }
-  MachinePosition& scratch = implementation_->scratch;
-  scratch = pos;
+  record.scratch = pos;
   for (const Register& reg : registers) {
-    scratch[reg] = 0.0;
+    record.scratch[reg] = 0.0;
   }
-
-  if (LinearPlacement* const kept = implementation_->kept.LinearPlacementFor(
-          scratch, machine.GetKinematic(), chain, registers)) {
-    kept->Compute(&scratch[Register(0)], offset, point, xyz);
+  if (placement == nullptr && kept != nullptr) {
+    placement = kept->linear.Make(key, values.size(), [&](LinearPlacement* made) {
+      return made->Build(record.chain, machine.GetKinematic(), registers);
+    });
+  }
+  if (placement != nullptr) {
+    placement->Compute(values.data(), offset, point, xyz);
     return true;
   }
 
+  const AxisChain& chain = record.chain;
+  const MachinePosition& scratch = record.scratch;
   double sideSigns[3] = {0.0, 0.0, 0.0};
   int foundNb = 0;
   chain.Walk([&registers, &sideSigns, &foundNb](const Entity& entity, double sideSign, int) {

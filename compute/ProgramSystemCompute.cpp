@@ -1,4 +1,7 @@
 #include "compute/AngleUnwrap.h"
+#include "geometry/AngleAccess.h"
+#include "geometry/Degrees.h"
+#include "model/KinematicImplementation.h"
 
 #include <Orvo/Kin/Machine.h>
 #include <Orvo/Kin/MachineCompute.h>
@@ -11,24 +14,64 @@
 
 namespace Orvo::Kin {
 
+namespace {
+
+/// A main rotary axis, with its limits in radians where they are checked.
+struct MainRotary {
+  Register reg;
+  bool isRangeChecked = false;
+  Angle min;
+  Angle max;
+};
+
+}  // namespace
+
 /// The record that the handles of a ProgramSystemCompute share.
 struct ProgramSystemComputeImplementation {
   ProgramSystemComputeImplementation(const Machine& givenMachine, const ProgramSystem& given)
-      : machine(&givenMachine), programSystem(given), calculator(givenMachine) {}
+      : machine(&givenMachine), programSystem(given), calculator(givenMachine) {
+    isShortestWay = programSystem.GetRotariesCompute() == RotariesComputeShortestWay;
+    head = programSystem.GetHeadIndex();
+    table = programSystem.GetTableIndex();
+    for (int i = 0; i < 2; ++i) {
+      rotaries[i].reg = programSystem.GetMainRotary(i);
+    }
+  }
+
+  // Takes the limits of the rotary axes down anew when anything of the machine's elements changed.
+  void TakeDownLimits() {
+    const KinematicImplementation& store = KinematicAccess::Store(machine->GetKinematic());
+    if (&store == store_ && store.changeNb == changeNb_) {
+      return;
+    }
+    for (MainRotary& rotary : rotaries) {
+      const Entity* const entity = store.byRegister.At(rotary.reg.GetVal());
+      rotary.isRangeChecked = entity != nullptr && entity->GetCheckRangeAxis();
+      if (rotary.isRangeChecked) {
+        rotary.min.SetDegre(entity->GetRangeMin());
+        rotary.max.SetDegre(entity->GetRangeMax());
+      }
+    }
+    store_ = &store;
+    changeNb_ = store.changeNb;
+  }
 
   const Machine* machine;
   ProgramSystem programSystem;
   MachineCompute calculator;
+
+  // Of the program system.
+  bool isShortestWay;
+  HeadIndex head;
+  TableIndex table;
+  MainRotary rotaries[2];
+
+ private:
+  const KinematicImplementation* store_ = nullptr;
+  unsigned long long changeNb_ = 0;
 };
 
 namespace {
-
-/// One of the two angles of a solution, and the axis that it belongs to.
-struct RotaryAxis {
-  Register reg;
-  const Entity* entity;  // null where no element has the register
-  double currentDeg;
-};
 
 bool IsRangeChecked(const Entity* entity) {
   return entity != nullptr && entity->GetCheckRangeAxis();
@@ -72,53 +115,58 @@ ProgramSystemCompute::~ProgramSystemCompute() = default;
 
 bool ProgramSystemCompute::ComputeToolIjkTcsToMcsAbc(const MachinePosition& pos,
                                                      const Vector3D& ijk, RotariesSolution* sol) {
-  ProgramSystem& programSystem = implementation_->programSystem;
-  if (!implementation_->calculator.ComputeToolIjkTcsToMcsAbc(
-          pos, programSystem.GetHeadIndex(), programSystem.GetTableIndex(), ijk,
-          programSystem.GetMainRotary(0), programSystem.GetMainRotary(1), sol)) {
+  ProgramSystemComputeImplementation& record = *implementation_;
+  if (!record.calculator.ComputeToolIjkTcsToMcsAbc(pos, record.head, record.table, ijk,
+                                                   record.rotaries[0].reg, record.rotaries[1].reg,
+                                                   sol)) {
     return false;
   }
-  if (programSystem.GetRotariesCompute() != RotariesComputeShortestWay) {
+  if (!record.isShortestWay) {
     return true;
   }
+  record.TakeDownLimits();
 
   // The two solutions by axis: alpha, then beta.
   Angle* const solutions[2][2] = {{&sol->Alpha1, &sol->Beta1}, {&sol->Alpha2, &sol->Beta2}};
-  RotaryAxis axes[2];
+  double currentDeg[2];
   for (int i = 0; i < 2; ++i) {
-    const Register& reg = programSystem.GetMainRotary(i);
-    axes[i].reg = reg;
-    axes[i].entity = implementation_->machine->GetKinematic().GetEntity(reg);
-    axes[i].currentDeg = reg.IsDefined() ? pos[reg] : 0.0;
+    const Register& reg = record.rotaries[i].reg;
+    currentDeg[i] = reg.IsDefined() ? pos[reg] : 0.0;
   }
   for (int i = 0; i < 2; ++i) {
-    if (sol->FreeRegister >= 0 && sol->FreeRegister == axes[i].reg.GetVal()) {
-      solutions[0][i]->SetDegre(axes[i].currentDeg);
+    if (sol->FreeRegister >= 0 && sol->FreeRegister == record.rotaries[i].reg.GetVal()) {
+      solutions[0][i]->SetDegre(currentDeg[i]);
       break;
     }
   }
 
   bool isInRange[2] = {true, true};
-  for (unsigned int s = 0; s < sol->Count; ++s) {
-    for (int i = 0; i < 2; ++i) {
-      if (!axes[i].reg.IsDefined()) {
-        continue;
-      }
+  double moves[2] = {0.0, 0.0};
+  for (int i = 0; i < 2; ++i) {
+    const MainRotary& rotary = record.rotaries[i];
+    if (!rotary.reg.IsDefined()) {
+      continue;
+    }
+    const double current = RadiansFromDegrees(currentDeg[i]);
+    const double referenceDeg = DegreesFromRadians(current);
+    const double min = AngleAccess::Radians(rotary.min);
+    const double max = AngleAccess::Radians(rotary.max);
+    for (unsigned int s = 0; s < sol->Count; ++s) {
       Angle& angle = *solutions[s][i];
-      Angle current;
-      current.SetDegre(axes[i].currentDeg);
-      if (!IsRangeChecked(axes[i].entity)) {
-        angle = ComputeClosestAngle(angle, current);
-        continue;
+      double radians = AngleAccess::Radians(angle);
+      double angleDeg = DegreesFromRadians(radians);
+      if (!IsNearestTurn(angleDeg, referenceDeg) ||
+          (rotary.isRangeChecked && !(min <= radians && radians <= max))) {
+        angle = rotary.isRangeChecked
+                    ? ComputeClosestAngle(angle, Angle(current), rotary.min, rotary.max)
+                    : ComputeClosestAngle(angle, Angle(current));
+        radians = AngleAccess::Radians(angle);
+        angleDeg = DegreesFromRadians(radians);
+        if (rotary.isRangeChecked && (radians < min || radians > max)) {
+          isInRange[s] = false;
+        }
       }
-      Angle min;
-      min.SetDegre(axes[i].entity->GetRangeMin());
-      Angle max;
-      max.SetDegre(axes[i].entity->GetRangeMax());
-      angle = ComputeClosestAngle(angle, current, min, max);
-      if (angle < min || angle > max) {
-        isInRange[s] = false;
-      }
+      moves[s] += std::fabs(angleDeg - currentDeg[i]);
     }
   }
 
@@ -136,20 +184,9 @@ bool ProgramSystemCompute::ComputeToolIjkTcsToMcsAbc(const MachinePosition& pos,
   } else if (sol->Count == 1 && !isInRange[0]) {
     *sol = RotariesSolution();
   }
-
-  if (sol->Count == 2) {
-    double moves[2] = {0.0, 0.0};
-    for (int s = 0; s < 2; ++s) {
-      for (int i = 0; i < 2; ++i) {
-        if (axes[i].reg.IsDefined()) {
-          moves[s] += std::fabs(solutions[s][i]->GetDegre() - axes[i].currentDeg);
-        }
-      }
-    }
-    if (moves[0] > moves[1]) {
-      std::swap(sol->Alpha1, sol->Alpha2);
-      std::swap(sol->Beta1, sol->Beta2);
-    }
+  if (sol->Count == 2 && moves[0] > moves[1]) {
+    std::swap(sol->Alpha1, sol->Alpha2);
+    std::swap(sol->Beta1, sol->Beta2);
   }
   return true;
 }

@@ -1,7 +1,8 @@
 #pragma once
 
-#include <Orvo/Kin/Register.h>
-#include <Orvo/Kin/RotariesSolution.h>
+#include "compute/RotaryAngles.h"
+#include "geometry/Coordinates.h"
+
 #include <Orvo/Vector3D.h>
 
 namespace Orvo::Kin {
@@ -14,26 +15,26 @@ class RotaryPair {
   /// Takes the axes as SolveTwoRotaries() has them, axis1 nearer the tool.
   RotaryPair(const Vector3D& axis1, const Vector3D& axis2, const Vector3D& tool);
 
-  /// Solves for a target as SolveTwoRotaries() does, bit for bit, into a solution as it is made.
-  /// Returns false, and leaves the solution alone, for axes and targets that only that one takes.
-  bool Solve(const Vector3D& target, const Register& register2, RotariesSolution* sol) const;
+  /// Solves for a target as SolveTwoRotaries() does, bit for bit. Returns false, without angles,
+  /// near every threshold but those that tell whether the target can be reached at all and whether
+  /// the two solutions differ: SolveTwoRotaries() decides there.
+  bool Solve(const Vector3D& target, RotaryAngles* angles) const;
 
  private:
   bool isUsable_ = false;
-  Vector3D axis1_;
-  Vector3D axis2_;
-  Vector3D tool_;
+  Coordinates1 axis1_{};
+  Coordinates1 axis2_{};
+  Coordinates1 tool_{};
 
   // The circle of the tool's tip about axis1, with the unit vectors of its plane.
-  Vector3D center_;
+  Coordinates1 center_{};
   double radius_ = 0.0;
-  bool hasRadius_ = false;
-  Vector3D radiusDir_;  // from the center to the tool's tip
-  Vector3D u_;
-  Vector3D v_;
+  Coordinates1 radiusDir_{};  // from the center to the tool's tip
+  Coordinates1 u_{};
+  Coordinates1 v_{};
 
   // In the plane across axis2: the way to the circle's plane.
-  Vector3D wayToCircle_;
+  Coordinates1 wayToCircle_{};
   double slopeOfWay_ = 0.0;
   double centerAlongAxis1_ = 0.0;
 

@@ -2,9 +2,16 @@
 
 #include "geometry/VectorKernel.h"
 
-#include <algorithm>
+#include <utility>
 
 namespace Orvo::Kin {
+
+namespace {
+
+// The chains; those of the axes follow.
+enum Chain : std::size_t { Head, Table, FirstAxis };
+
+}  // namespace
 
 bool RotaryPlacement::Build(const AxisChain& chain, const Register registers[2]) {
   const Entity* found[2] = {nullptr, nullptr};
@@ -27,49 +34,44 @@ bool RotaryPlacement::Build(const AxisChain& chain, const Register registers[2])
   if (!areRotary) {
     return false;
   }
+  chains_.KeepAtZero({registers[0].GetVal(), registers[1].GetVal()});
+  if (!chains_.Add(chain.Head(), FrameChains::Axes::Rotary) ||
+      !chains_.Add(chain.Table(), FrameChains::Axes::Rotary)) {
+    return false;
+  }
+  std::size_t nextChain = FirstAxis;
   for (int i = 0; i < 2; ++i) {
     axes_[i].isDefined = registers[i].IsDefined();
     if (axes_[i].isDefined) {
       if (found[i] == nullptr ||
-          !axes_[i].parent.Build(found[i]->GetParentEntity(), FrameChain::Axes::Rotary)) {
+          !chains_.Add(found[i]->GetParentEntity(), FrameChains::Axes::Rotary)) {
         return false;
       }
       axes_[i].dir = found[i]->GetEntityLink().GetDir();
+      axes_[i].parentChain = nextChain++;
     }
   }
   directions_.isAlphaNearerHead = places[0] > places[1];
-  return head_.Build(chain.Head(), FrameChain::Axes::Rotary) &&
-         table_.Build(chain.Table(), FrameChain::Axes::Rotary);
-}
-
-std::size_t RotaryPlacement::RegisterBound() const {
-  // The axes and all above them are on these two.
-  return std::max(head_.RegisterBound(), table_.RegisterBound());
+  chains_.Prepare();
+  return true;
 }
 
 const RotaryDirections& RotaryPlacement::Compute(const double* values) {
-  bool hasMoved = head_.Update(values);
-  hasMoved = table_.Update(values) || hasMoved;
-  for (Axis& axis : axes_) {
-    if (axis.isDefined) {
-      hasMoved = axis.parent.Update(values) || hasMoved;
-    }
-  }
-  if (!hasMoved) {
+  if (!chains_.Update(values)) {
     return directions_;
   }
   TypedFrame tableFromWorld;
-  Invert(table_.Frame(), &tableFromWorld);
+  Invert(chains_.Frame(Table), &tableFromWorld);
   TypedFrame tableFromHead;
-  Multiply(tableFromWorld, head_.Frame(), &tableFromHead);
+  Multiply(tableFromWorld, chains_.Frame(Head), &tableFromHead);
   directions_.tool = Vector3D(tableFromHead.elements + 8);
   for (int i = 0; i < 2; ++i) {
     const Axis& axis = axes_[i];
     if (axis.isDefined) {
       Vector3D inWorld;
-      const TypedFrame& worldFromParent = axis.parent.Frame();
-      StoreLanes(inWorld, ApplyFrameToDirection(worldFromParent.elements, worldFromParent.type,
-                                                axis.dir));
+      const TypedFrame& worldFromParent = chains_.Frame(axis.parentChain);
+      StoreLanes(inWorld,
+                 ApplyFrameToDirection(worldFromParent.elements, worldFromParent.type, axis.dir));
       Vector3D& inTable = directions_.axes[i];
       StoreLanes(inTable,
                  ApplyFrameToDirection(tableFromWorld.elements, tableFromWorld.type, inWorld));
@@ -81,6 +83,16 @@ const RotaryDirections& RotaryPlacement::Compute(const double* values) {
     pair_ = RotaryPair(directions_.axes[nearer], directions_.axes[1 - nearer], directions_.tool);
   }
   return directions_;
+}
+
+bool RotaryPlacement::Solve(const Vector3D& target, RotaryAngles* angles) const {
+  if (!axes_[0].isDefined || !axes_[1].isDefined || !pair_.Solve(target, angles)) {
+    return false;
+  }
+  if (!directions_.isAlphaNearerHead) {
+    std::swap(angles->alpha, angles->beta);
+  }
+  return true;
 }
 
 }  // namespace Orvo::Kin

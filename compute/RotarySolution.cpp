@@ -1,9 +1,13 @@
 #include "compute/MachineComputeImplementation.h"
 #include "compute/RegisterBounds.h"
+#include "compute/RotaryAngles.h"
 #include "compute/RotaryCore.h"
 #include "geometry/VectorKernel.h"
+#include "model/PositionAccess.h"
 
 #include <Orvo/Kin/MachineCompute.h>
+
+#include <vector>
 
 namespace Orvo::Kin {
 
@@ -28,37 +32,54 @@ bool MachineCompute::ComputeToolIjkTcsToMcsAbc(const MachinePosition& pos, const
   if (sol == nullptr) {
     return Fail(ComputeErrorNullOutput);
   }
-  *sol = RotariesSolution();
-  if (pos.Size() == 0) {
-    return Fail(ComputeErrorEmptyPosition);
-  }
-  MachinePosition& scratch = implementation_->scratch;
-  scratch = pos;
   const Register registers[2] = {r0, r1};
+  MachineComputeImplementation& record = *implementation_;
+  const std::vector<double>& values = PositionAccess::Values(pos);
+  const KinematicImplementation& store = KinematicAccess::Store(record.machine->kinematic_);
+  KeptResults* const kept = record.kept.Current(store);
+  const KeptResults::Key key{store.Head(head), store.Table(table), {r0.GetVal(), r1.GetVal(), -1}};
+  RotaryPlacement* placement = kept == nullptr ? nullptr : kept->rotary.Find(key, values.size());
+  if (placement == nullptr) {
+    Store(RotaryAngles(), sol);
+    if (values.empty()) {
+      return Fail(ComputeErrorEmptyPosition);
+    }
+  }
+  record.scratch = pos;
   for (const Register& reg : registers) {
     if (reg.IsDefined()) {
       if (!HasRegister(pos, reg)) {
         return Fail(ComputeErrorRegister);
       }
-      scratch[reg] = 0.0;
+      record.scratch[reg] = 0.0;
     }
   }
-  if (r0.IsDefined() && r0.GetVal() == r1.GetVal()) {
-    return Fail(ComputeErrorRegister);
-  }
-  BuildAxisChain(head, table);
-  const AxisChain& chain = implementation_->chain;
-  if (chain.IsEmpty()) {
-    return Fail(ComputeErrorNoHeadOrTable);
+  if (placement == nullptr) {
+    if (r0.IsDefined() && r0.GetVal() == r1.GetVal()) {
+      return Fail(ComputeErrorRegister);
+    }
+    BuildAxisChain(head, table);
+    if (record.chain.IsEmpty()) {
+      return Fail(ComputeErrorNoHeadOrTable);
+    }
+    if (kept != nullptr) {
+      placement = kept->rotary.Make(key, values.size(), [&](RotaryPlacement* made) {
+        return made->Build(record.chain, registers);
+      });
+    }
   }
 
   const RotaryDirections* directions;
   RotaryDirections found;
-  RotaryPlacement* const kept = implementation_->kept.RotaryPlacementFor(
-      scratch, implementation_->machine->GetKinematic(), chain, registers);
-  if (kept != nullptr) {
-    directions = &kept->Compute(&scratch[Register(0)]);
-  } else if (FindRotaryDirections(scratch, registers, &found)) {
+  if (placement != nullptr) {
+    directions = &placement->Compute(values.data());
+    RotaryAngles angles;
+    if (placement->Solve(ijk, &angles)) {
+      Store(angles, sol);
+      return true;
+    }
+    Store(RotaryAngles(), sol);
+  } else if (FindRotaryDirections(record.scratch, registers, &found)) {
     directions = &found;
   } else {
     return false;
@@ -77,17 +98,13 @@ bool MachineCompute::ComputeToolIjkTcsToMcsAbc(const MachinePosition& pos, const
     return true;
   }
   // The axis nearer the head turns the tool first.
-  const bool isAlphaNearerHead = directions->isAlphaNearerHead;
-  if (kept == nullptr || !kept->Pair().Solve(ijk, isAlphaNearerHead ? r1 : r0, sol)) {
-    const bool isSolved =
-        isAlphaNearerHead
-            ? ComputeAngles(directions->axes[0], directions->axes[1], directions->tool, ijk, r0, r1, sol)
-            : ComputeAngles(directions->axes[1], directions->axes[0], directions->tool, ijk, r1, r0, sol);
-    if (!isSolved) {
-      return Fail(ComputeErrorNoSolution);
-    }
+  const int nearer = directions->isAlphaNearerHead ? 0 : 1;
+  const int farther = 1 - nearer;
+  if (!ComputeAngles(directions->axes[nearer], directions->axes[farther], directions->tool, ijk,
+                     registers[nearer], registers[farther], sol)) {
+    return Fail(ComputeErrorNoSolution);
   }
-  if (!isAlphaNearerHead) {
+  if (!directions->isAlphaNearerHead) {
     SwapSolAlphaBeta(sol);
   }
   return true;

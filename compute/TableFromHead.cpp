@@ -2,26 +2,28 @@
 
 #include "compute/ToolOffset.h"
 
-#include <algorithm>
-
 namespace Orvo::Kin {
 
-bool TableFromHead::Build(const Entity& head, const Entity& table) {
-  return head_.Build(&head, FrameChain::Axes::All) && table_.Build(&table, FrameChain::Axes::All);
-}
+namespace {
 
-std::size_t TableFromHead::RegisterBound() const {
-  return std::max(head_.RegisterBound(), table_.RegisterBound());
+enum Chain : std::size_t { Head, Table };
+
+}  // namespace
+
+bool TableFromHead::Build(const Entity& head, const Entity& table) {
+  if (!chains_.Add(&head, FrameChains::Axes::All) || !chains_.Add(&table, FrameChains::Axes::All)) {
+    return false;
+  }
+  chains_.Prepare();
+  return true;
 }
 
 void TableFromHead::Compute(const double* values, const Vector3D& offset,
                             Matrix43* tableFromToolPoint) {
-  const bool hasHeadMoved = head_.Update(values);
-  const bool hasTableMoved = table_.Update(values);
-  if (hasHeadMoved || hasTableMoved) {
+  if (chains_.Update(values)) {
     TypedFrame tableFromWorld;
-    Invert(table_.Frame(), &tableFromWorld);
-    Multiply(tableFromWorld, head_.Frame(), &tableFromHead_);
+    Invert(chains_.Frame(Table), &tableFromWorld);
+    Multiply(tableFromWorld, chains_.Frame(Head), &tableFromHead_);
   }
   TypedFrame headFromToolPoint;
   SetHeadFromToolPoint(offset, &headFromToolPoint);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "compute/FrameChain.h"
+#include "compute/FrameChains.h"
 
 #include <Orvo/Kin/Entity.h>
 #include <Orvo/Vector3D.h>
@@ -15,14 +15,13 @@ class TableFromHead {
   /// Takes down the links of both. Returns false where one is of no known kind.
   bool Build(const Entity& head, const Entity& table);
 
-  std::size_t RegisterBound() const;
+  std::size_t RegisterBound() const { return chains_.RegisterBound(); }
 
   /// Computes the frame with the tool point as origin, as ComputeMcsToToolTcs does, bit for bit.
   void Compute(const double* values, const Vector3D& offset, Matrix43* tableFromToolPoint);
 
  private:
-  FrameChain head_;
-  FrameChain table_;
+  FrameChains chains_;
   TypedFrame tableFromHead_;
 };
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "compute/LinkFrame.h"
+#include "compute/KeptLink.h"
 
 #include <Orvo/Kin/Entity.h>
 #include <Orvo/Matrix43.h>

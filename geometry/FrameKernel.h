@@ -17,9 +17,25 @@ struct FrameAccess {
 // The formulas of frames, each written once. A frame comes as its 16 doubles, aligned to 16 bytes;
 // its columns U, V, W, T start at 0, 4, 8 and 12.
 
+/// The directions of a frame in registers.
+struct Directions {
+  Lanes u;
+  Lanes v;
+  Lanes w;
+};
+
+/// Returns U * x + (V * y + W * z), all four rows.
+inline Lanes CombineColumns(const Directions& m, double x, double y, double z) {
+  return Add(Scale(m.u, x), Add(Scale(m.v, y), Scale(m.w, z)));
+}
+
+inline Directions LoadDirections(const double* m) {
+  return {LoadLanes(m), LoadLanes(m + 4), LoadLanes(m + 8)};
+}
+
 /// Returns U * x + (V * y + W * z), all four rows.
 inline Lanes CombineColumns(const double* m, double x, double y, double z) {
-  return Add(Scale(LoadLanes(m), x), Add(Scale(LoadLanes(m + 4), y), Scale(LoadLanes(m + 8), z)));
+  return CombineColumns(LoadDirections(m), x, y, z);
 }
 
 /// Returns (U * x + (V * y + W * z)) + T, all four rows.
@@ -27,12 +43,10 @@ inline Lanes ImageOfPoint(const double* m, double x, double y, double z) {
   return Add(CombineColumns(m, x, y, z), LoadLanes(m + 12));
 }
 
-/// Writes the directions of the product of two frames with the fourth row 0.
-inline void MultiplyDirections(const double* a, const double* b, double* product) {
-  for (int column = 0; column < 12; column += 4) {
-    const Lanes image = CombineColumns(a, b[column], b[column + 1], b[column + 2]);
-    StoreLanes(product + column, WithW(image, 0.0));
-  }
+/// Returns the directions of the product of two frames.
+inline Directions ImageOfDirections(const Directions& a, const double* b) {
+  return {CombineColumns(a, b[0], b[1], b[2]), CombineColumns(a, b[4], b[5], b[6]),
+          CombineColumns(a, b[8], b[9], b[10])};
 }
 
 /// Copies the directions of a frame with the fourth row 0.
@@ -57,48 +71,110 @@ inline void CopyFrame(const double* m, double* copy) {
   }
 }
 
+/// How the product of two frames is formed, by their kinds.
+enum class ProductRule : unsigned char {
+  Left,         ///< a copy of the left factor
+  Right,        ///< a copy of the right factor
+  Turn,         ///< products of the directions; no origin
+  RightTurned,  ///< the directions of the right factor, the origin of the left one
+  RightMoved,   ///< the directions of the right factor, the sum of the origins
+  LeftMoved,    ///< the directions of the left factor, the image of the right one's origin
+  Affine,       ///< products of the directions, the image of the right factor's origin
+  Projective    ///< the product of two 4x4 matrices
+};
+
+/// A rule, and the kind of the product.
+struct ProductKind {
+  ProductRule rule;
+  Matrix43::Type type;
+};
+
+constexpr ProductKind KindOfProduct(Matrix43::Type a, Matrix43::Type b) {
+  if (a == Matrix43::Identity) {
+    return {ProductRule::Right, b};
+  }
+  if (b == Matrix43::Identity) {
+    return {ProductRule::Left, a};
+  }
+  if (a == Matrix43::Projective || b == Matrix43::Projective) {
+    return {ProductRule::Projective, Matrix43::Projective};
+  }
+  if (a == Matrix43::General || b == Matrix43::General) {
+    return {ProductRule::Affine, Matrix43::General};
+  }
+  if (a == Matrix43::Rotation && b == Matrix43::Rotation) {
+    return {ProductRule::Turn, Matrix43::Rotation};
+  }
+  if (a == Matrix43::Translation && b != Matrix43::Translation) {
+    return {b == Matrix43::Rotation ? ProductRule::RightTurned : ProductRule::RightMoved,
+            Matrix43::RotationTranslation};
+  }
+  return {a != Matrix43::Translation && b == Matrix43::Translation ? ProductRule::LeftMoved
+                                                                   : ProductRule::Affine,
+          Matrix43::RotationTranslation};
+}
+
+/// KindOfProduct() of all pairs, left kind first.
+struct ProductKinds {
+  static constexpr int TypeNb = 6;
+  ProductKind kinds[TypeNb][TypeNb];
+};
+
+inline constexpr ProductKinds KindsOfProducts = [] {
+  ProductKinds table{};
+  for (int a = 0; a < ProductKinds::TypeNb; ++a) {
+    for (int b = 0; b < ProductKinds::TypeNb; ++b) {
+      table.kinds[a][b] =
+          KindOfProduct(static_cast<Matrix43::Type>(a), static_cast<Matrix43::Type>(b));
+    }
+  }
+  return table;
+}();
+
 /// Writes the product of two frames of the given kinds, and returns its kind. The product must not
 /// be one of the factors.
 inline Matrix43::Type MultiplyFrames(const double* a, Matrix43::Type aType, const double* b,
                                      Matrix43::Type bType, double* product) {
-  if (aType == Matrix43::Identity) {
-    CopyFrame(b, product);
-    return bType;
+  const ProductKind kind = KindsOfProducts.kinds[aType][bType];
+  // Everything is loaded before anything is stored, or the compiler would load it again.
+  const auto store = [product](const Directions& directions, const Lanes& origin) {
+    StoreLanes(product, WithW(directions.u, 0.0));
+    StoreLanes(product + 4, WithW(directions.v, 0.0));
+    StoreLanes(product + 8, WithW(directions.w, 0.0));
+    StoreLanes(product + 12, WithW(origin, 1.0));
+  };
+  switch (kind.rule) {
+    case ProductRule::Left:
+      CopyFrame(a, product);
+      break;
+    case ProductRule::Right:
+      CopyFrame(b, product);
+      break;
+    case ProductRule::Turn:
+      store(ImageOfDirections(LoadDirections(a), b), LoadLanes(IdentityFrame + 12));
+      break;
+    case ProductRule::RightTurned:
+      store(LoadDirections(b), LoadLanes(a + 12));
+      break;
+    case ProductRule::RightMoved:
+      store(LoadDirections(b), Add(LoadLanes(a + 12), LoadLanes(b + 12)));
+      break;
+    case ProductRule::LeftMoved: {
+      const Directions left = LoadDirections(a);
+      store(left, Add(CombineColumns(left, b[12], b[13], b[14]), LoadLanes(a + 12)));
+      break;
+    }
+    case ProductRule::Affine: {
+      const Directions left = LoadDirections(a);
+      store(ImageOfDirections(left, b),
+            Add(CombineColumns(left, b[12], b[13], b[14]), LoadLanes(a + 12)));
+      break;
+    }
+    case ProductRule::Projective:
+      MultiplyProjective(a, b, product);
+      break;
   }
-  if (bType == Matrix43::Identity) {
-    CopyFrame(a, product);
-    return aType;
-  }
-  if (aType == Matrix43::Projective || bType == Matrix43::Projective) {
-    MultiplyProjective(a, b, product);
-    return Matrix43::Projective;
-  }
-  if (aType == Matrix43::Rotation && bType == Matrix43::Rotation) {
-    MultiplyDirections(a, b, product);
-    StoreLanes(product + 12, LoadLanes(IdentityFrame + 12));
-    return Matrix43::Rotation;
-  }
-  const Matrix43::Type type = aType == Matrix43::General || bType == Matrix43::General
-                                  ? Matrix43::General
-                                  : Matrix43::RotationTranslation;
-  if (aType == Matrix43::Translation && bType == Matrix43::Rotation) {
-    CopyDirections(b, product);
-    StoreLanes(product + 12, WithW(LoadLanes(a + 12), 1.0));
-    return type;
-  }
-  if (aType == Matrix43::Translation && bType == Matrix43::RotationTranslation) {
-    CopyDirections(b, product);
-    StoreLanes(product + 12, WithW(Add(LoadLanes(a + 12), LoadLanes(b + 12)), 1.0));
-    return type;
-  }
-  if ((aType == Matrix43::Rotation || aType == Matrix43::RotationTranslation) &&
-      bType == Matrix43::Translation) {
-    CopyDirections(a, product);
-  } else {
-    MultiplyDirections(a, b, product);
-  }
-  StoreLanes(product + 12, WithW(ImageOfPoint(a, b[12], b[13], b[14]), 1.0));
-  return type;
+  return kind.type;
 }
 
 /// Returns the image of a point, x, y, z with w 0, under a frame of a kind other than Projective.

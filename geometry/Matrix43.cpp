@@ -107,6 +107,12 @@ void SetColumn(double* column, double x, double y, double z) {
   column[2] = z;
 }
 
+// Writes x, y, z.
+void SetColumn(double* column, const Lanes& lanes) {
+  _mm_store_pd(column, lanes.xy);
+  _mm_store_sd(column + 2, lanes.zw);
+}
+
 Vector3D FromLanes(const Lanes& lanes) {
   Vector3D result;
   StoreLanes(result, WithW(lanes, 0.0));
@@ -131,12 +137,11 @@ Matrix43::Type TypeWithoutRotation(Matrix43::Type type) {
 }  // namespace
 
 const PrincipalAxis* FindPrincipalAxis(const Vector3D& dir) {
-  static constexpr PrincipalAxis Axes[] = {{ZPlus, Z, false}, {ZMinus, Z, true},
-                                           {XPlus, X, false}, {XMinus, X, true},
-                                           {YPlus, Y, false}, {YMinus, Y, true}};
-  const auto* const found = std::find_if(std::begin(Axes), std::end(Axes), [&dir](const auto& axis) {
-    return dir.IsSame(axis.sign, PrincipalAxisTolerance);
-  });
+  static constexpr PrincipalAxis Axes[] = {{ZPlus, Z, false}, {ZMinus, Z, true}, {XPlus, X, false},
+                                           {XMinus, X, true}, {YPlus, Y, false}, {YMinus, Y, true}};
+  const auto* const found = std::find_if(
+      std::begin(Axes), std::end(Axes),
+      [&dir](const auto& axis) { return dir.IsSame(axis.sign, PrincipalAxisTolerance); });
   return found == std::end(Axes) ? nullptr : found;
 }
 
@@ -296,7 +301,10 @@ void Matrix43::SetRotation(const Direction& d, const Angle& a) {
   double sine;
   double cosine;
   SinCos(a.GetRadian(), &sine, &cosine);
-  SetPrincipalTurn(d, sine, cosine, elements_);
+  const Directions turn = PrincipalTurn(d, sine, cosine);
+  SetColumn(elements_, turn.u);
+  SetColumn(elements_ + 4, turn.v);
+  SetColumn(elements_ + 8, turn.w);
   UpdateType(Rotation);
 }
 

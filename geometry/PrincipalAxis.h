@@ -1,5 +1,7 @@
 #pragma once
 
+#include "geometry/FrameKernel.h"
+
 #include <Orvo/Matrix43.h>
 #include <Orvo/Vector3D.h>
 
@@ -15,25 +17,18 @@ struct PrincipalAxis {
 /// Returns the principal axis that a direction is, within 0.00001 by component; null for others.
 const PrincipalAxis* FindPrincipalAxis(const Vector3D& dir);
 
-/// Writes the directions of a turn about a principal axis, x, y and z of each.
-inline void SetPrincipalTurn(Direction direction, double s, double c, double* m) {
-  const auto setColumn = [m](int column, double x, double y, double z) {
-    m[4 * column] = x;
-    m[4 * column + 1] = y;
-    m[4 * column + 2] = z;
+/// Returns the directions of a turn about a principal axis by an angle of a sine and cosine.
+inline Directions PrincipalTurn(Direction direction, double s, double c) {
+  const auto column = [](double x, double y, double z) {
+    return Lanes{_mm_set_pd(y, x), _mm_set_sd(z)};
   };
-  if (direction == X) {
-    setColumn(0, 1.0, 0.0, 0.0);
-    setColumn(1, 0.0, c, s);
-    setColumn(2, 0.0, -s, c);
-  } else if (direction == Y) {
-    setColumn(0, c, 0.0, -s);
-    setColumn(1, 0.0, 1.0, 0.0);
-    setColumn(2, s, 0.0, c);
-  } else {
-    setColumn(0, c, s, 0.0);
-    setColumn(1, -s, c, 0.0);
-    setColumn(2, 0.0, 0.0, 1.0);
+  switch (direction) {
+    case X:
+      return {column(1.0, 0.0, 0.0), column(0.0, c, s), column(0.0, -s, c)};
+    case Y:
+      return {column(c, 0.0, -s), column(0.0, 1.0, 0.0), column(s, 0.0, c)};
+    default:
+      return {column(c, s, 0.0), column(-s, c, 0.0), column(0.0, 0.0, 1.0)};
   }
 }
 

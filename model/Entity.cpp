@@ -57,6 +57,7 @@ void Entity::SetRegister(const Register& reg) {
 void Entity::SetIsMotor(bool isMotor) { implementation_->isMotor = isMotor; }
 
 void Entity::SetCheckRangeAxis(bool checkRangeAxis) {
+  CountChange(*implementation_);
   implementation_->checkRangeAxis = checkRangeAxis;
 }
 

@@ -77,11 +77,17 @@ void EntityLink::SetZeroRef(unsigned int slot, double value) {
 
 void EntityLink::SetZeroRef(double value) { SetZeroRef(0, value); }
 
-void EntityLink::SetRangeMin(unsigned int slot, double value) { WriteSlot(rangeMin_, slot, value); }
+void EntityLink::SetRangeMin(unsigned int slot, double value) {
+  CountChange();
+  WriteSlot(rangeMin_, slot, value);
+}
 
 void EntityLink::SetRangeMin(double value) { SetRangeMin(0, value); }
 
-void EntityLink::SetRangeMax(unsigned int slot, double value) { WriteSlot(rangeMax_, slot, value); }
+void EntityLink::SetRangeMax(unsigned int slot, double value) {
+  CountChange();
+  WriteSlot(rangeMax_, slot, value);
+}
 
 void EntityLink::SetRangeMax(double value) { SetRangeMax(0, value); }
 

@@ -4,17 +4,6 @@
 
 namespace Orvo::Kin {
 
-namespace {
-
-// The element of a table at an index, or null outside it.
-const Entity* At(const std::vector<const Entity*>& table, int index) {
-  return index < 0 || static_cast<std::size_t>(index) >= table.size()
-             ? nullptr
-             : table[static_cast<std::size_t>(index)];
-}
-
-}  // namespace
-
 Kinematic::Kinematic() : implementation_(std::make_shared<KinematicImplementation>()) {}
 
 Kinematic::Kinematic(const Kinematic& other) = default;
@@ -34,11 +23,11 @@ const Entity* Kinematic::GetEntity(const Register& reg) const {
 }
 
 const Entity* Kinematic::GetEntityHead(const HeadIndex& head) const {
-  return At(implementation_->heads, head.GetVal());
+  return implementation_->Head(head);
 }
 
 const Entity* Kinematic::GetEntityTable(const TableIndex& table) const {
-  return At(implementation_->tables, table.GetVal());
+  return implementation_->Table(table);
 }
 
 std::list<Entity>* Kinematic::GetListEntityMod() { return &implementation_->entities; }

@@ -5,6 +5,7 @@
 namespace Orvo {
 
 class Vector3D;
+struct AngleAccess;
 
 /// Holds an angle in radians, of any size: nothing wraps it to a turn.
 ///
@@ -77,6 +78,8 @@ class ORVO_API Angle {
   int operator>(const Angle& other) const;
 
  private:
+  friend struct AngleAccess;
+
   double radians_;
 };
 

@@ -8,6 +8,8 @@
 
 namespace Orvo::Kin {
 
+struct PositionAccess;
+
 /// One set of axis values of a machine: one double per register.
 ///
 /// Lengths are in the machine's unit, rotary values in degrees. Machine::Alloc gives a position its
@@ -73,6 +75,8 @@ class ORVO_API MachinePosition {
   MachinePosition& operator-=(const MachinePosition& b);
 
  private:
+  friend struct PositionAccess;
+
   std::unique_ptr<std::vector<double>> values_;
 };
 

@@ -1,0 +1,96 @@
+#pragma once
+
+#include "compute/KeptLink.h"
+
+#include <Orvo/Kin/Entity.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <unordered_map>
+#include <vector>
+
+namespace Orvo::Kin {
+
+/// The world frames of a few elements, kept from one set of axis values to the next.
+///
+/// The frames of the links, from an element's own up to the root's, are multiplied as
+/// ComputePositionEntity does it, bit for bit. Only links whose axis values changed are computed
+/// again, and of each product only the part that follows the first of them.
+class FrameChains {
+ public:
+  /// Which axes count. The directions of a frame don't depend on linear axes; its origin is
+  /// arbitrary then.
+  enum class Axes { All, Rotary };
+
+  /// Axes with these registers stay at 0, whatever the position says.
+  void KeepAtZero(std::initializer_list<int> registers) { zeroRegisters_ = registers; }
+
+  /// Takes down the links from an element, or none where that is null, up to the root. Returns
+  /// false for a link that only the general computation takes: there is no such frame then.
+  /// Frames are numbered as they are added.
+  bool Add(const Entity* element, Axes axes);
+
+  /// Ends the adding.
+  void Prepare();
+
+  /// The smallest size of a position that has all registers on the way.
+  std::size_t RegisterBound() const { return registerBound_; }
+
+  /// Computes the frames for axis values by register; returns whether any may have changed.
+  bool Update(const double* values);
+
+  /// A frame, after Update().
+  const TypedFrame& Frame(std::size_t number) const { return chains_[number].frame; }
+
+ private:
+  /// A product of some links.
+  struct Product {
+    TypedFrame frame;
+    bool isGeneral = false;  // a sum of products in all its elements, with an exact fourth row
+  };
+
+  struct Chain {
+    void Multiply(const std::vector<KeptLink>& allLinks);
+
+    Axes axes = Axes::All;
+    std::vector<std::uint32_t> links;  // from the element to the root
+    std::size_t firstChange = 0;       // the first place whose link changed since the last product
+    TypedFrame frame;
+
+    // The product of the links before a place, where the last change began.
+    std::size_t keptPlace = 0;
+    Product kept;
+  };
+
+  /// A place of a link in a chain.
+  struct Use {
+    std::uint32_t chain;
+    std::uint32_t place;
+  };
+
+  /// Where the entries of one thing begin in a list of those of all things, one after the other.
+  using Starts = std::vector<std::uint32_t>;
+
+  std::uint32_t LinkOf(const Entity& entity);
+  void TakeIn(std::size_t watched);
+
+  std::vector<int> zeroRegisters_;
+  std::unordered_map<const Entity*, std::uint32_t> linkOfEntity_;  // until Prepare()
+  std::vector<KeptLink> links_;
+  std::vector<Chain> chains_;
+  std::size_t registerBound_ = 0;
+  bool isComputed_ = false;
+
+  // The registers that count, in order, and the values that the frames are computed for.
+  std::vector<std::size_t> registers_;
+  std::vector<double> values_;
+
+  // The links of a register, and the uses of a link.
+  Starts linksStart_;
+  std::vector<std::uint32_t> linksByRegister_;
+  Starts usesStart_;
+  std::vector<Use> usesByLink_;
+};
+
+}  // namespace Orvo::Kin
