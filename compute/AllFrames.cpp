@@ -3,6 +3,7 @@
 #include "compute/SameValue.h"
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 namespace Orvo::Kin {
@@ -17,66 +18,154 @@ std::size_t PlaceOf(const Entity* entity, std::size_t frameNb, std::size_t none)
   return place < frameNb ? place : none;
 }
 
+bool HasExactUnitAxes(const TypedFrame& frame) {
+  return std::memcmp(frame.elements, IdentityFrame, 12 * sizeof(double)) == 0;
+}
+
 }  // namespace
 
 bool AllFrames::Build(const std::vector<const Entity*>& entities, std::size_t frameNb) {
   *this = AllFrames();
-  elements_.reserve(entities.size());
+  // The first one stands for the world; the addresses of all stay as they are.
+  elements_.reserve(entities.size() + 1);
+  elements_.emplace_back();
+  CopyFrame(IdentityFrame, elements_.front().world);
+  elements_.front().product.type = Matrix43::Identity;
+  std::vector<const Element*> elementAt(frameNb, nullptr);
   for (const Entity* entity : entities) {
     Element element;
-    if (!TakeDown(*entity, &element.link)) {
+    if (!element.link.TakeDown(*entity)) {
       return false;
     }
-    const auto reg = static_cast<std::size_t>(element.link.reg);
-    const bool isAxis = element.link.kind != KeptLink::Kind::Fixed;
-    if (isAxis) {
+    const auto reg = static_cast<std::size_t>(element.link.Reg());
+    if (element.link.IsAxis()) {
       registerBound_ = std::max(registerBound_, reg + 1);
     }
     element.place = PlaceOf(entity, frameNb, None);
-    element.parentPlace = PlaceOf(entity->GetParentEntity(), frameNb, None);
     if (element.place == None) {
       continue;
     }
-    if (element.place == element.parentPlace) {
+    const std::size_t parentPlace = PlaceOf(entity->GetParentEntity(), frameNb, None);
+    element.parent = parentPlace == None ? elements_.data() : elementAt[parentPlace];
+    if (element.parent == nullptr) {
       return false;
     }
-    if (isAxis) {
-      axes_.push_back({reg, elements_.size(), 0.0});
+    if (element.link.IsAxis()) {
+      axes_.push_back({reg, elements_.data() + elements_.size(), 0.0});
     }
+    unturnedNb_ += element.link.IsUnturned() ? 1 : 0;
     elements_.push_back(std::move(element));
+    elementAt[elements_.back().place] = &elements_.back();
   }
+  FindProducts();
   return true;
 }
 
+// A rotary axis that is turned has a frame of its own kind; with that, the kinds of all frames are
+// known before their numbers are. And products of exact unit axes need not be computed.
+void AllFrames::FindProducts() {
+  for (std::size_t i = 1; i < elements_.size(); ++i) {
+    Element& element = elements_[i];
+    const KeptLink& link = element.link;
+    const Element& parent = *element.parent;
+    const Matrix43::Type linkType =
+        link.IsRotary() ? Matrix43::RotationTranslation : link.Frame().type;
+    element.product = KindOfProduct(parent.product.type, linkType);
+    const bool isShift = linkType == Matrix43::Translation && HasExactUnitAxes(link.Frame());
+    if (isShift && parent.isShifted && element.product.rule == ProductRule::Affine) {
+      element.product.rule = ProductRule::LeftMoved;
+    }
+    element.isShifted =
+        linkType == Matrix43::Identity
+            ? parent.isShifted
+            : isShift && (parent.isShifted || parent.product.type == Matrix43::Identity);
+  }
+}
+
 void AllFrames::Compute(const double* values, Matrix43* frames) {
+  ++callNb_;
+  SetAxisValues(values);
+  if (unturnedNb_ != 0) {
+    MultiplyAny(frames);
+    return;
+  }
+#ifdef ORVO_WIDE
+  if (isWide_) {
+    MultiplyUsualWide(frames);
+    return;
+  }
+#endif
+  MultiplyUsual(
+      frames,
+      [](ProductRule rule, const double* a, const double* b, double* product, double* copy) {
+        MultiplyFrames(rule, a, b, product);
+        CopyFrame(product, copy);
+      },
+      CopyFrame);
+}
+
+inline void AllFrames::SetAxisValues(const double* values) {
   for (Axis& axis : axes_) {
     const double value = values[axis.reg];
     if (!IsSameValue(value, axis.value)) {
-      SetAxisValue(value, &elements_[axis.element].link);
       axis.value = value;
+      axis.element->callNb = callNb_;
+      KeptLink& link = axis.element->link;
+      unturnedNb_ -= link.IsUnturned() ? 1 : 0;
+      link.SetAxisValue(value);
+      unturnedNb_ += link.IsUnturned() ? 1 : 0;
     }
   }
-  for (const Element& element : elements_) {
-    const TypedFrame& link = element.link.frame;
+}
+
+void AllFrames::MultiplyAny(Matrix43* frames) {
+  isComputed_ = false;
+  const Matrix43 identity;
+  const Element* const world = elements_.data();
+  for (std::size_t i = 1; i < elements_.size(); ++i) {
+    const Element& element = elements_[i];
+    const TypedFrame& link = element.link.Frame();
     Matrix43& frame = frames[element.place];
-    double* const m = FrameAccess::Elements(&frame);
-    if (element.parentPlace == None) {
-      // An identity is not written onto an identity.
-      if (link.type != Matrix43::Identity || FrameAccess::Type(frame) != Matrix43::Identity) {
-        CopyFrame(link.elements, m);
-        FrameAccess::SetType(&frame, link.type);
-      }
-      continue;
-    }
-    const Matrix43& parent = frames[element.parentPlace];
+    const Matrix43& parent = element.parent == world ? identity : frames[element.parent->place];
     const Matrix43::Type parentType = FrameAccess::Type(parent);
+    // An identity is not written onto an identity.
     if (parentType == Matrix43::Identity && link.type == Matrix43::Identity &&
         FrameAccess::Type(frame) == Matrix43::Identity) {
       continue;
     }
-    FrameAccess::SetType(&frame, MultiplyFrames(FrameAccess::Elements(parent), parentType,
-                                                link.elements, link.type, m));
+    FrameAccess::SetType(
+        &frame, MultiplyFrames(FrameAccess::Elements(parent), parentType, link.elements, link.type,
+                               FrameAccess::Elements(&frame)));
   }
 }
+
+// Goes down from the elements whose links changed, and only copies the other frames.
+template <typename MultiplyTwo, typename Copy>
+inline void AllFrames::MultiplyUsual(Matrix43* frames, MultiplyTwo multiplyTwo, Copy copy) {
+  const std::uint64_t callNb = callNb_;
+  elements_.front().callNb = isComputed_ ? 0 : callNb;
+  isComputed_ = true;
+  Element* const end = elements_.data() + elements_.size();
+  for (Element* element = elements_.data() + 1; element != end; ++element) {
+    Matrix43& frame = frames[element->place];
+    double* const m = FrameAccess::Elements(&frame);
+    const ProductKind product = element->product;
+    if (element->callNb == callNb || element->parent->callNb == callNb) {
+      element->callNb = callNb;
+      multiplyTwo(product.rule, element->parent->world, element->link.Frame().elements,
+                  element->world, m);
+    } else if (product.type != Matrix43::Identity ||
+               FrameAccess::Type(frame) != Matrix43::Identity) {
+      copy(element->world, m);
+    }
+    FrameAccess::SetType(&frame, product.type);
+  }
+}
+
+#ifdef ORVO_WIDE
+ORVO_WIDE void AllFrames::MultiplyUsualWide(Matrix43* frames) {
+  MultiplyUsual(frames, MultiplyFramesWide, CopyFrameWide);
+}
+#endif
 
 }  // namespace Orvo::Kin

@@ -1,11 +1,13 @@
 #pragma once
 
 #include "compute/KeptLink.h"
+#include "geometry/WideFrame.h"
 
 #include <Orvo/Kin/Entity.h>
 #include <Orvo/Matrix43.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 namespace Orvo::Kin {
@@ -14,8 +16,8 @@ namespace Orvo::Kin {
 /// to the next. Bit for bit what ComputePositionMachine computes link by link.
 class AllFrames {
  public:
-  /// Takes down elements, parents first. Returns false where a link is of no known kind: there are
-  /// no such frames then.
+  /// Takes down elements, parents first. Returns false for a link that only the general computation
+  /// takes: there are no such frames then.
   bool Build(const std::vector<const Entity*>& entities, std::size_t frameNb);
 
   /// The smallest size of a position that has all registers of the elements.
@@ -28,22 +30,41 @@ class AllFrames {
   static constexpr std::size_t None = static_cast<std::size_t>(-1);
 
   /// An element with a place among the frames.
-  struct Element {
+  struct alignas(32) Element {
+    double world[16] = {};
     KeptLink link;
     std::size_t place = 0;
-    std::size_t parentPlace = None;
+    const Element* parent = nullptr;  // among the same elements, before this one
+
+    // How the frame comes about and its kind, as long as no rotary axis is exactly at 0.
+    ProductKind product{};
+    bool isShifted = false;  // a Translation, with exact unit axes; or products of such
+
+    // The call that computed the frame last.
+    std::uint64_t callNb = 0;
   };
 
   /// An axis among the elements, with the value that its link is computed for.
   struct Axis {
     std::size_t reg;
-    std::size_t element;
+    Element* element;
     double value;
   };
+
+  void FindProducts();
+  void SetAxisValues(const double* values);
+  void MultiplyAny(Matrix43* frames);
+  template <typename MultiplyTwo, typename Copy>
+  void MultiplyUsual(Matrix43* frames, MultiplyTwo multiplyTwo, Copy copy);
+  void MultiplyUsualWide(Matrix43* frames);
 
   std::vector<Element> elements_;
   std::vector<Axis> axes_;
   std::size_t registerBound_ = 0;
+  int unturnedNb_ = 0;  // rotary axes that are exactly at 0
+  std::uint64_t callNb_ = 0;
+  bool isComputed_ = false;
+  bool isWide_ = HasWideLanes();
 };
 
 }  // namespace Orvo::Kin

@@ -57,11 +57,11 @@ bool FrameChains::Add(const Entity* element, Axes axes) {
         linkOfEntity_.try_emplace(element, static_cast<std::uint32_t>(links_.size()));
     if (isNew) {
       links_.emplace_back();
-      if (!TakeDown(*element, &links_.back())) {
+      if (!links_.back().TakeDown(*element)) {
         return false;
       }
       // A register too many would fail the link, whether or not its value counts.
-      registerBound_ = std::max(registerBound_, static_cast<std::size_t>(links_.back().reg + 1));
+      registerBound_ = std::max(registerBound_, static_cast<std::size_t>(links_.back().Reg() + 1));
     }
     chain.links.push_back(found->second);
   }
@@ -78,8 +78,8 @@ void FrameChains::Prepare() {
   const auto linkNb = static_cast<std::uint32_t>(links_.size());
   const auto isMoving = [this](const Chain& chain, std::uint32_t link) {
     const KeptLink& moving = links_[link];
-    return moving.kind != KeptLink::Kind::Fixed && (chain.axes == Axes::All || moving.IsRotary()) &&
-           std::find(zeroRegisters_.begin(), zeroRegisters_.end(), moving.reg) ==
+    return moving.IsAxis() && (chain.axes == Axes::All || moving.IsRotary()) &&
+           std::find(zeroRegisters_.begin(), zeroRegisters_.end(), moving.Reg()) ==
                zeroRegisters_.end();
   };
   usesStart_.resize(linkNb + 1);
@@ -108,9 +108,9 @@ void FrameChains::Prepare() {
   }
   std::stable_sort(
       linksByRegister_.begin(), linksByRegister_.end(),
-      [this](std::uint32_t a, std::uint32_t b) { return links_[a].reg < links_[b].reg; });
+      [this](std::uint32_t a, std::uint32_t b) { return links_[a].Reg() < links_[b].Reg(); });
   for (std::uint32_t i = 0; i < linksByRegister_.size(); ++i) {
-    const auto reg = static_cast<std::size_t>(links_[linksByRegister_[i]].reg);
+    const auto reg = static_cast<std::size_t>(links_[linksByRegister_[i]].Reg());
     if (registers_.empty() || registers_.back() != reg) {
       registers_.push_back(reg);
       linksStart_.push_back(i);
@@ -143,7 +143,7 @@ bool FrameChains::Update(const double* values) {
 void FrameChains::TakeIn(std::size_t watched) {
   for (std::uint32_t i = linksStart_[watched]; i < linksStart_[watched + 1]; ++i) {
     const std::uint32_t link = linksByRegister_[i];
-    SetAxisValue(values_[watched], &links_[link]);
+    links_[link].SetAxisValue(values_[watched]);
     for (std::uint32_t use = usesStart_[link]; use < usesStart_[link + 1]; ++use) {
       std::size_t& firstChange = chains_[usesByLink_[use].chain].firstChange;
       firstChange = std::min<std::size_t>(firstChange, usesByLink_[use].place);
@@ -163,7 +163,7 @@ void FrameChains::Chain::Multiply(const std::vector<KeptLink>& allLinks) {
   Product* product = &kept;
   std::size_t place = keptPlace;
   const auto linkAt = [this, &allLinks](std::size_t at) -> const TypedFrame& {
-    return allLinks[links[at]].frame;
+    return allLinks[links[at]].Frame();
   };
   const auto keep = [this, &place](const Product& reached) {
     kept = reached;

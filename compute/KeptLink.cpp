@@ -1,117 +1,92 @@
 #include "compute/KeptLink.h"
 
-#include "geometry/Degrees.h"
 #include "geometry/PrincipalAxis.h"
-#include "geometry/SinCos.h"
 
 #include <utility>
 
 namespace Orvo::Kin {
 
-namespace {
-
-void SetRotary(const Directions& turn, KeptLink* link) {
-  double* const m = link->frame.elements;
-  StoreLanes(m, turn.u);
-  StoreLanes(m + 4, turn.v);
-  StoreLanes(m + 8, turn.w);
-  const Vector3D& center = link->vector;
-  const Lanes turned = CombineColumns(turn, center[0], center[1], center[2]);
-  StoreLanes(m + 12, WithW(Subtract(LoadLanes(center), turned), 1.0));
-  link->frame.type = Matrix43::RotationTranslation;
-}
-
-// The turn goes by way of the frame whose W is the axis.
-Directions TiltedTurn(const KeptLink::Tilt& tilt, double sine, double cosine) {
-  alignas(16) double aboutZ[16];
-  CopyFrame(IdentityFrame, aboutZ);
-  const Directions turn = PrincipalTurn(Z, sine, cosine);
-  StoreLanes(aboutZ, turn.u);
-  StoreLanes(aboutZ + 4, turn.v);
-  alignas(16) double fromZ[16];
-  const Matrix43::Type fromZType =
-      MultiplyFrames(tilt.fromAxis.elements, tilt.fromAxis.type, aboutZ, Matrix43::Rotation, fromZ);
-  alignas(16) double turned[16];
-  MultiplyFrames(fromZ, fromZType, tilt.toAxis.elements, tilt.toAxis.type, turned);
-  const auto column = [&turned](int place) { return WithW(LoadLanes(turned + place), 0.0); };
-  return {column(0), column(4), column(8)};
-}
-
-void TakeDownRotary(const EntityLink& from, KeptLink* link) {
-  link->vector = from.GetCenter();
-  if (const PrincipalAxis* const principal = FindPrincipalAxis(from.GetDir())) {
-    link->kind = KeptLink::Kind::PrincipalRotary;
-    link->direction = principal->direction;
-    link->isReversed = principal->isReversed;
-    return;
-  }
-  link->kind = KeptLink::Kind::TiltedRotary;
-  Matrix43 fromAxis;
-  fromAxis.MakeAxisW(from.GetDir());
-  auto tilt = std::make_unique<KeptLink::Tilt>();
-  tilt->fromAxis.type = FrameAccess::Type(fromAxis);
-  CopyFrame(FrameAccess::Elements(fromAxis), tilt->fromAxis.elements);
-  Invert(tilt->fromAxis, &tilt->toAxis);
-  link->tilt = std::move(tilt);
-}
-
-}  // namespace
-
-bool TakeDown(const Entity& entity, KeptLink* link) {
+bool KeptLink::TakeDown(const Entity& entity) {
   const EntityLink& from = entity.GetEntityLink();
-  *link = KeptLink();
-  CopyFrame(IdentityFrame, link->frame.elements);
-  link->frame.type = Matrix43::Identity;
+  *this = KeptLink();
+  CopyFrame(IdentityFrame, frame_.elements);
+  frame_.type = Matrix43::Identity;
   switch (from.GetEntityLinkType()) {
     case EntityLinkTypeIdentity:
       return true;
     case EntityLinkTypePosition:
-      link->frame.type = FrameAccess::Type(from.GetPosition());
-      if (link->frame.type != Matrix43::Identity) {
-        CopyFrame(FrameAccess::Elements(from.GetPosition()), link->frame.elements);
+      frame_.type = FrameAccess::Type(from.GetPosition());
+      if (frame_.type != Matrix43::Identity) {
+        CopyFrame(FrameAccess::Elements(from.GetPosition()), frame_.elements);
       }
-      return link->frame.type != Matrix43::Projective;
+      return frame_.type != Matrix43::Projective;
     case EntityLinkTypeLinear:
-      link->kind = KeptLink::Kind::Linear;
-      link->vector = from.GetDir();
-      link->zeroReference = from.GetZeroRef(0);
-      link->frame.type = Matrix43::Translation;
+      kind_ = Kind::Linear;
+      vector_ = from.GetDir();
+      zeroReference_ = from.GetZeroRef(0);
+      frame_.type = Matrix43::Translation;
       break;
     case EntityLinkTypeRotary:
-      TakeDownRotary(from, link);
+      TakeDownRotary(from);
       break;
     default:
       return false;
   }
-  link->reg = entity.GetRegister().GetVal();
-  SetAxisValue(0.0, link);
-  return link->reg >= 0;
+  reg_ = entity.GetRegister().GetVal();
+  SetAxisValue(0.0);
+  return reg_ >= 0;
 }
 
-void SetAxisValue(double value, KeptLink* link) {
-  double* const m = link->frame.elements;
-  if (link->kind == KeptLink::Kind::Linear) {
-    const Lanes way = Scale(LoadLanes(link->vector), link->zeroReference + value);
-    StoreLanes(m + 12, WithW(way, 1.0));
+void KeptLink::TakeDownRotary(const EntityLink& from) {
+  vector_ = from.GetCenter();
+  const PrincipalAxis* const principal = FindPrincipalAxis(from.GetDir());
+  Matrix43 fromAxis;
+  if (principal == nullptr && fromAxis.MakeAxisW(from.GetDir())) {
+    kind_ = Kind::TiltedRotary;
+    auto tilt = std::make_unique<Tilt>();
+    const double* const m = FrameAccess::Elements(std::as_const(fromAxis));
+    tilt->fromAxis = LoadDirections(m);
+    tilt->turnedW = CombineColumns(m, 0.0, 0.0, 1.0);
+    InvertRigid(m, FrameAccess::Type(fromAxis), tilt->toAxis);
+    tilt_ = std::move(tilt);
     return;
   }
-  const double radians = RadiansFromDegrees(value);
-  if (radians == 0.0) {
-    CopyFrame(IdentityFrame, m);
-    const Lanes center = LoadLanes(link->vector);
-    StoreLanes(m + 12, WithW(Subtract(center, center), 1.0));
-    link->frame.type = Matrix43::Translation;
-    return;
-  }
-  double sine;
-  double cosine;
-  if (link->kind == KeptLink::Kind::PrincipalRotary) {
-    SinCos(link->isReversed ? -radians : radians, &sine, &cosine);
-    SetRotary(PrincipalTurn(link->direction, sine, cosine), link);
-  } else {
-    SinCos(radians, &sine, &cosine);
-    SetRotary(TiltedTurn(*link->tilt, sine, cosine), link);
-  }
+  // A direction that is too short counts as Z.
+  kind_ = Kind::PrincipalRotary;
+  axis_ = principal == nullptr ? Z : principal->direction;
+  sense_ = principal != nullptr && principal->isReversed ? -1.0 : 1.0;
+  const Lanes turned = CombineColumns(IdentityFrame, vector_[0], vector_[1], vector_[2]);
+  alignas(16) double origin[4];
+  StoreLanes(origin, Subtract(LoadLanes(vector_), turned));
+  originOnAxis_ = origin[axis_];
+  onAxis_ = 0.0 * vector_[axis_];
+}
+
+void KeptLink::SetNoTurn() {
+  double* const m = frame_.elements;
+  CopyFrame(IdentityFrame, m);
+  const Lanes center = LoadLanes(vector_);
+  StoreLanes(m + 12, WithW(Subtract(center, center), 1.0));
+  frame_.type = Matrix43::Translation;
+}
+
+// The turn goes by way of the frame whose W is the axis: from there about Z, and back.
+void KeptLink::SetTiltedTurn(double radians) {
+  double s;
+  double c;
+  SinCos(radians, &s, &c);
+  const Directions& fromAxis = tilt_->fromAxis;
+  const Directions turned = {CombineColumns(fromAxis, c, s, 0.0),
+                             CombineColumns(fromAxis, -s, c, 0.0), tilt_->turnedW};
+  const Directions turn = ImageOfDirections(turned, tilt_->toAxis);
+  const Lanes center = LoadLanes(vector_);
+  double* const m = frame_.elements;
+  StoreLanes(m, WithW(turn.u, 0.0));
+  StoreLanes(m + 4, WithW(turn.v, 0.0));
+  StoreLanes(m + 8, WithW(turn.w, 0.0));
+  const Lanes turnedCenter = CombineColumns(turn, vector_[0], vector_[1], vector_[2]);
+  StoreLanes(m + 12, WithW(Subtract(center, turnedCenter), 1.0));
+  frame_.type = Matrix43::RotationTranslation;
 }
 
 }  // namespace Orvo::Kin

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "geometry/Degrees.h"
 #include "geometry/FrameKernel.h"
+#include "geometry/SinCos.h"
 
 #include <Orvo/Kin/Entity.h>
 #include <Orvo/Matrix43.h>
@@ -26,7 +28,40 @@ inline void Invert(const TypedFrame& frame, TypedFrame* inverse) {
 }
 
 /// The link of an element as it was when it was taken down, and its frame for one axis value.
-struct KeptLink {
+class KeptLink {
+ public:
+  /// Takes down the link of an element, with its axis at 0. Returns false for a link that only the
+  /// general computation takes: of no known kind, without a register, or with a projective frame.
+  bool TakeDown(const Entity& entity);
+
+  bool IsAxis() const { return kind_ != Kind::Fixed; }
+  bool IsRotary() const { return kind_ == Kind::PrincipalRotary || kind_ == Kind::TiltedRotary; }
+
+  /// The register of an axis; negative for other links.
+  int Reg() const { return reg_; }
+
+  /// Computes the frame for a value of the axis, as ComputeRelativePosition does, bit for bit.
+  void SetAxisValue(double value) {
+    if (kind_ == Kind::Linear) {
+      SetTravel(zeroReference_ + value);
+      return;
+    }
+    const double radians = RadiansFromDegrees(value);
+    if (radians == 0.0) {
+      SetNoTurn();
+    } else if (kind_ == Kind::PrincipalRotary) {
+      SetPrincipalTurn(radians * sense_);
+    } else {
+      SetTiltedTurn(radians);
+    }
+  }
+
+  const TypedFrame& Frame() const { return frame_; }
+
+  /// Tells whether a rotary axis stands exactly at 0: its frame is of another kind then.
+  bool IsUnturned() const { return IsRotary() && frame_.type == Matrix43::Translation; }
+
+ private:
   enum class Kind {
     Fixed,  ///< IDENTITY and POSITION
     Linear,
@@ -34,29 +69,76 @@ struct KeptLink {
     TiltedRotary      ///< about any other direction
   };
 
-  /// The frame whose W is the axis, and its inverse.
+  /// A frame whose W is the axis, its W after a turn about Z, and its inverse.
   struct Tilt {
-    TypedFrame fromAxis;
-    TypedFrame toAxis;
+    Directions fromAxis;
+    Lanes turnedW;
+    alignas(16) double toAxis[16];
   };
 
-  bool IsRotary() const { return kind == Kind::PrincipalRotary || kind == Kind::TiltedRotary; }
+  void TakeDownRotary(const EntityLink& from);
+  void SetNoTurn();
+  void SetTiltedTurn(double radians);
 
-  Kind kind = Kind::Fixed;
-  int reg = -1;                // of the axis; fixed links need none
-  Direction direction = X;     // PrincipalRotary
-  bool isReversed = false;     // PrincipalRotary
-  double zeroReference = 0.0;  // Linear
-  Vector3D vector;             // Linear: the direction. Rotary: the center.
-  std::unique_ptr<const Tilt> tilt;
-  TypedFrame frame;
+  void SetTravel(double way) {
+    double* const m = frame_.elements;
+    m[12] = vector_[0] * way;
+    m[13] = vector_[1] * way;
+    m[14] = vector_[2] * way;
+  }
+
+  // Writes what depends on the angle: a block of 2 x 2 numbers, and the origin, which is the center
+  // less the turned center. The numbers are those of PrincipalTurn().
+  void SetPrincipalTurn(double radians) {
+    double s;
+    double c;
+    SinCos(radians, &s, &c);
+    double* const m = frame_.elements;
+    const double x = vector_[0];
+    const double y = vector_[1];
+    const double z = vector_[2];
+    const auto set = [m](int place, double first, double second) {
+      m[place] = first;
+      m[place + 1] = second;
+    };
+    switch (axis_) {
+      case X:
+        set(5, c, s);
+        set(9, -s, c);
+        m[12] = originOnAxis_;
+        set(13, y - (onAxis_ + (c * y + -s * z)), z - (onAxis_ + (s * y + c * z)));
+        break;
+      case Y:
+        m[0] = m[10] = c;
+        m[2] = -s;
+        m[8] = s;
+        set(12, x - (c * x + (onAxis_ + s * z)), originOnAxis_);
+        m[14] = z - (-s * x + (onAxis_ + c * z));
+        break;
+      default:
+        set(0, c, s);
+        set(4, -s, c);
+        set(12, x - (c * x + (-s * y + onAxis_)), y - (s * x + (c * y + onAxis_)));
+        m[14] = originOnAxis_;
+        break;
+    }
+    frame_.type = Matrix43::RotationTranslation;
+  }
+
+  TypedFrame frame_{};
+  Kind kind_ = Kind::Fixed;
+  int reg_ = -1;
+  Vector3D vector_;             // Linear: the direction. Rotary: the center.
+  double zeroReference_ = 0.0;  // Linear
+
+  // PrincipalRotary: the axis and the sense of the turn; along the axis the origin, and what the
+  // center adds to the other numbers of the turned center.
+  Direction axis_ = X;
+  double sense_ = 1.0;
+  double originOnAxis_ = 0.0;
+  double onAxis_ = 0.0;
+
+  std::unique_ptr<const Tilt> tilt_;
 };
-
-/// Takes down the link of an element, with its axis at 0. Returns false for a link that only the
-/// general computation takes: of no known kind, without a register, or with a projective frame.
-bool TakeDown(const Entity& entity, KeptLink* link);
-
-/// Computes the frame for a value of the link's axis, as ComputeRelativePosition does, bit for bit.
-void SetAxisValue(double value, KeptLink* link);
 
 }  // namespace Orvo::Kin

@@ -131,11 +131,9 @@ inline constexpr ProductKinds KindsOfProducts = [] {
   return table;
 }();
 
-/// Writes the product of two frames of the given kinds, and returns its kind. The product must not
-/// be one of the factors.
-inline Matrix43::Type MultiplyFrames(const double* a, Matrix43::Type aType, const double* b,
-                                     Matrix43::Type bType, double* product) {
-  const ProductKind kind = KindsOfProducts.kinds[aType][bType];
+/// Writes the product of two frames by the rule for their kinds. The product must not be one of the
+/// factors.
+inline void MultiplyFrames(ProductRule rule, const double* a, const double* b, double* product) {
   // Everything is loaded before anything is stored, or the compiler would load it again.
   const auto store = [product](const Directions& directions, const Lanes& origin) {
     StoreLanes(product, WithW(directions.u, 0.0));
@@ -143,7 +141,7 @@ inline Matrix43::Type MultiplyFrames(const double* a, Matrix43::Type aType, cons
     StoreLanes(product + 8, WithW(directions.w, 0.0));
     StoreLanes(product + 12, WithW(origin, 1.0));
   };
-  switch (kind.rule) {
+  switch (rule) {
     case ProductRule::Left:
       CopyFrame(a, product);
       break;
@@ -174,6 +172,14 @@ inline Matrix43::Type MultiplyFrames(const double* a, Matrix43::Type aType, cons
       MultiplyProjective(a, b, product);
       break;
   }
+}
+
+/// Writes the product of two frames of the given kinds, and returns its kind. The product must not
+/// be one of the factors.
+inline Matrix43::Type MultiplyFrames(const double* a, Matrix43::Type aType, const double* b,
+                                     Matrix43::Type bType, double* product) {
+  const ProductKind kind = KindsOfProducts.kinds[aType][bType];
+  MultiplyFrames(kind.rule, a, b, product);
   return kind.type;
 }
 

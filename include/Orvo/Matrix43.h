@@ -15,7 +15,7 @@ struct FrameAccess;
 enum Direction : int { X = 0, Y = 1, Z = 2 };
 
 /// The 4x4 identity: 16 doubles, column after column U, V, W, T.
-alignas(16) constexpr double IdentityFrame[16] = {1.0, 0.0, 0.0, 0.0,  //
+alignas(32) constexpr double IdentityFrame[16] = {1.0, 0.0, 0.0, 0.0,  //
                                                   0.0, 1.0, 0.0, 0.0,  //
                                                   0.0, 0.0, 1.0, 0.0,  //
                                                   0.0, 0.0, 0.0, 1.0};
