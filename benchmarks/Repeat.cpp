@@ -43,7 +43,8 @@ void Require(bool isDone) {
   }
 }
 
-void Repeat(const std::string& work, const Subject& subject, int count) {
+void Repeat(const std::string& name, const Subject& subject, int count) {
+  const int work = name == "W1" ? 1 : name == "W2" ? 2 : name == "W3" ? 3 : 4;
   const ProgramSystem& ps = subject.programSystem;
   MachineCompute compute(subject.machine);
   ProgramSystemCompute solver(subject.machine, ps);
@@ -53,13 +54,13 @@ void Repeat(const std::string& work, const Subject& subject, int count) {
     const std::size_t i = static_cast<std::size_t>(n) % subject.requests.size();
     const MachinePosition& at = subject.positions[i];
     const Request& request = subject.requests[i];
-    if (work == "W1") {
+    if (work == 1) {
       Require(compute.ComputePositionMachine(at, &frames));
-    } else if (work == "W2") {
+    } else if (work == 2) {
       Matrix43 frame;
       Require(compute.ComputeMcsToToolTcs(at, ps.GetHeadIndex(), ps.GetTableIndex(), subject.offset,
                                           &frame));
-    } else if (work == "W3") {
+    } else if (work == 3) {
       RotariesSolution sol;
       Require(compute.ComputeToolIjkTcsToMcsAbc(request.current, ps.GetHeadIndex(),
                                                 ps.GetTableIndex(), request.ijk,

@@ -40,40 +40,45 @@ class FrameChains {
   /// Computes the frames for axis values by register; returns whether any may have changed.
   bool Update(const double* values);
 
+  /// Tells whether the latest Update() may have changed a frame.
+  bool HasChanged(std::size_t number) const { return chains_[number].hasChanged; }
+
   /// A frame, after Update().
   const TypedFrame& Frame(std::size_t number) const { return chains_[number].frame; }
 
  private:
-  /// A product of some links.
-  struct Product {
-    TypedFrame frame;
-    bool isGeneral = false;  // a sum of products in all its elements, with an exact fourth row
-  };
-
   struct Chain {
-    void Multiply(const std::vector<KeptLink>& allLinks);
+    template <typename Product>
+    void MultiplyAs(const std::vector<KeptLink>& allLinks);
 
     Axes axes = Axes::All;
     std::vector<std::uint32_t> links;  // from the element to the root
+    bool isExact = true;               // the fourth rows of all links are exactly (0, 0, 0, 1)
     std::size_t firstChange = 0;       // the first place whose link changed since the last product
+    bool hasChanged = false;
     TypedFrame frame;
 
     // The product of the links before a place, where the last change began.
     std::size_t keptPlace = 0;
-    Product kept;
+    TypedFrame kept;
   };
 
-  /// A place of a link in a chain.
+  /// A place of a moving link in a chain.
   struct Use {
+    std::uint32_t link;
     std::uint32_t chain;
     std::uint32_t place;
   };
 
-  /// Where the entries of one thing begin in a list of those of all things, one after the other.
-  using Starts = std::vector<std::uint32_t>;
+  /// A register that counts, and the value that the frames are computed for. Its uses go up to
+  /// those of the next register.
+  struct Watched {
+    std::size_t reg;
+    double value;
+    std::size_t firstUse;
+  };
 
-  std::uint32_t LinkOf(const Entity& entity);
-  void TakeIn(std::size_t watched);
+  void TakeIn(const Watched* watched);
 
   std::vector<int> zeroRegisters_;
   std::unordered_map<const Entity*, std::uint32_t> linkOfEntity_;  // until Prepare()
@@ -82,15 +87,9 @@ class FrameChains {
   std::size_t registerBound_ = 0;
   bool isComputed_ = false;
 
-  // The registers that count, in order, and the values that the frames are computed for.
-  std::vector<std::size_t> registers_;
-  std::vector<double> values_;
-
-  // The links of a register, and the uses of a link.
-  Starts linksStart_;
-  std::vector<std::uint32_t> linksByRegister_;
-  Starts usesStart_;
-  std::vector<Use> usesByLink_;
+  // By register; the last one ends the uses.
+  std::vector<Watched> watched_;
+  std::vector<Use> uses_;
 };
 
 }  // namespace Orvo::Kin

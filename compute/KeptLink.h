@@ -22,6 +22,26 @@ inline void Multiply(const TypedFrame& a, const TypedFrame& b, TypedFrame* produ
   product->type = MultiplyFrames(a.elements, a.type, b.elements, b.type, product->elements);
 }
 
+/// Returns x, y and z of the origin of a product of frames that are not projective.
+inline Lanes OriginOfProduct(const TypedFrame& a, const TypedFrame& b) {
+  const Lanes left = LoadLanes(a.elements + 12);
+  const Lanes right = LoadLanes(b.elements + 12);
+  switch (KindsOfProducts.kinds[a.type][b.type].rule) {
+    case ProductRule::Left:
+    case ProductRule::RightTurned:
+      return left;
+    case ProductRule::RightMoved:
+      return Add(left, right);
+    case ProductRule::LeftMoved:
+    case ProductRule::Affine:
+      return ImageOfPoint(a.elements, b.elements[12], b.elements[13], b.elements[14]);
+    case ProductRule::Turn:
+      return LoadLanes(IdentityFrame + 12);
+    default:
+      return right;
+  }
+}
+
 inline void Invert(const TypedFrame& frame, TypedFrame* inverse) {
   inverse->type = frame.type;
   InvertRigid(frame.elements, frame.type, inverse->elements);

@@ -30,7 +30,11 @@ class KeptResults {
     const Entity* table = nullptr;
     int registers[3] = {-1, -1, -1};
 
-    bool operator==(const Key&) const = default;
+    // By hand: the compiler's own compares memory by a call.
+    bool operator==(const Key& other) const {
+      return head == other.head && table == other.table && registers[0] == other.registers[0] &&
+             registers[1] == other.registers[1] && registers[2] == other.registers[2];
+    }
   };
 
   /// Results of one kind, by key. There are a few: enough for a program that goes from one head

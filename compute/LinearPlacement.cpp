@@ -54,36 +54,50 @@ bool LinearPlacement::Build(const AxisChain& chain, const Kinematic& kinematic,
 
 void LinearPlacement::Compute(const double* values, const Vector3D& offset, const Vector3D& point,
                               Vector3D* xyz) {
-  if (chains_.Update(values) || !IsSameOffset(offset, offset_)) {
-    offset_ = offset;
-    TypedFrame tableFromWorld;
-    Invert(chains_.Frame(Table), &tableFromWorld);
-    TypedFrame headFromToolPoint;
-    SetHeadFromToolPoint(offset, &headFromToolPoint);
-    TypedFrame worldFromToolPoint;
-    Multiply(chains_.Frame(Head), headFromToolPoint, &worldFromToolPoint);
-    TypedFrame tableFromToolPoint;
-    Multiply(tableFromWorld, worldFromToolPoint, &tableFromToolPoint);
-
-    // Deliberate: the directions count as orthonormal, whatever they are.
-    TypedFrame tableFromAxisValues;
-    tableFromAxisValues.type = Matrix43::RotationTranslation;
-    for (int i = 0; i < 3; ++i) {
-      const Axis& axis = axes_[i];
-      const TypedFrame& worldFromParent = chains_.Frame(FirstAxis + static_cast<std::size_t>(i));
-      alignas(16) double inWorld[4];
-      StoreLanes(inWorld,
-                 ApplyFrameToDirection(worldFromParent.elements, worldFromParent.type, axis.dir));
-      StoreLanes(inWorld, Scale(LoadLanes(inWorld), axis.sideSign));
-      StoreLanes(tableFromAxisValues.elements + 4 * i,
-                 ApplyFrameToDirection(tableFromWorld.elements, tableFromWorld.type, inWorld));
-    }
-    StoreLanes(tableFromAxisValues.elements + 12,
-               WithW(LoadLanes(tableFromToolPoint.elements + 12), 1.0));
-    Invert(tableFromAxisValues, &axisValuesFromTable_);
+  const bool hasChanged = chains_.Update(values);
+  const bool isOtherOffset = !isPlaced_ || !IsSameOffset(offset, offset_);
+  if (isOtherOffset || (hasChanged && chains_.HasChanged(Head))) {
+    PlaceToolPoint(offset);
   }
-  StoreLanes(*xyz,
-             ApplyFrameToPoint(axisValuesFromTable_.elements, axisValuesFromTable_.type, point));
+  if (isOtherOffset || hasChanged) {
+    PlaceTable();
+  }
+  const Lanes image = CombineColumns(axisValuesFromTable_, point[0], point[1], point[2]);
+  StoreLanes(*xyz, WithW(Add(image, origin_), 0.0));
+}
+
+void LinearPlacement::PlaceToolPoint(const Vector3D& offset) {
+  offset_ = offset;
+  TypedFrame headFromToolPoint;
+  SetHeadFromToolPoint(offset, &headFromToolPoint);
+  Multiply(chains_.Frame(Head), headFromToolPoint, &worldFromToolPoint_);
+}
+
+void LinearPlacement::PlaceTable() {
+  TypedFrame tableFromWorld;
+  Invert(chains_.Frame(Table), &tableFromWorld);
+  alignas(16) double toolPointInTable[4];
+  StoreLanes(toolPointInTable, OriginOfProduct(tableFromWorld, worldFromToolPoint_));
+
+  // Deliberate: the directions count as orthonormal, whatever they are.
+  Lanes dirsInTable[3];
+  for (int i = 0; i < 3; ++i) {
+    Axis& axis = axes_[i];
+    const std::size_t parent = FirstAxis + static_cast<std::size_t>(i);
+    if (!isPlaced_ || chains_.HasChanged(parent)) {
+      const TypedFrame& worldFromParent = chains_.Frame(parent);
+      const Lanes inWorld =
+          ApplyFrameToDirection(worldFromParent.elements, worldFromParent.type, axis.dir);
+      StoreLanes(axis.dirInWorld, Scale(inWorld, axis.sideSign));
+    }
+    dirsInTable[i] =
+        ApplyFrameToDirection(tableFromWorld.elements, tableFromWorld.type, axis.dirInWorld);
+  }
+  isPlaced_ = true;
+  axisValuesFromTable_ = Transpose({dirsInTable[0], dirsInTable[1], dirsInTable[2]});
+  const Lanes turned = CombineColumns(axisValuesFromTable_, toolPointInTable[0],
+                                      toolPointInTable[1], toolPointInTable[2]);
+  origin_ = Negative(Add(turned, LoadLanes(IdentityFrame + 12)));
 }
 
 }  // namespace Orvo::Kin

@@ -28,13 +28,20 @@ class LinearPlacement {
   struct Axis {
     double sideSign = 0.0;
     Vector3D dir;
+    Vector3D dirInWorld;  // reversed on the table's side
   };
+
+  void PlaceToolPoint(const Vector3D& offset);
+  void PlaceTable();
 
   FrameChains chains_;
   Axis axes_[3];
 
   Vector3D offset_;  // that the frame is computed for
-  TypedFrame axisValuesFromTable_;
+  TypedFrame worldFromToolPoint_{};
+  bool isPlaced_ = false;
+  Directions axisValuesFromTable_{};
+  Lanes origin_{};
 };
 
 }  // namespace Orvo::Kin

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <vector>
 
 namespace Orvo::Kin {
@@ -55,9 +56,9 @@ bool MachineCompute::ComputeToolTcsToMcsXyz(const MachinePosition& pos, const He
       return Fail(ComputeErrorNoHeadOrTable);
     }
   }
-  record.scratch = pos;
+  std::vector<double>& zeroed = record.SetScratch(values);
   for (const Register& reg : registers) {
-    record.scratch[reg] = 0.0;
+    zeroed[static_cast<std::size_t>(reg.GetVal())] = 0.0;
   }
   if (placement == nullptr && kept != nullptr) {
     placement = kept->linear.Make(key, values.size(), [&](LinearPlacement* made) {

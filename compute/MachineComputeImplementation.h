@@ -3,11 +3,13 @@
 #include "compute/AxisChain.h"
 #include "compute/KeptResults.h"
 #include "geometry/IntersectionCompute.h"
+#include "model/PositionAccess.h"
 
 #include <Orvo/Kin/Enumerations.h>
 #include <Orvo/Kin/Machine.h>
 #include <Orvo/Kin/MachinePosition.h>
 
+#include <algorithm>
 #include <vector>
 
 namespace Orvo::Kin {
@@ -19,6 +21,16 @@ struct MachineComputeImplementation {
         intersection(Tolerance, Tolerance, Tolerance, Tolerance, Tolerance, Tolerance, Tolerance) {}
 
   static constexpr double Tolerance = 0.0001;
+
+  /// Sets the working position to a given one, as an assignment does.
+  std::vector<double>& SetScratch(const std::vector<double>& values) {
+    std::vector<double>& working = PositionAccess::Values(&scratch);
+    if (working.size() < values.size()) {
+      working.resize(values.size());
+    }
+    std::copy(values.begin(), values.end(), working.begin());
+    return working;
+  }
 
   const Machine* machine;
 

@@ -1,6 +1,8 @@
 #include "compute/AngleUnwrap.h"
+#include "compute/RotaryAngles.h"
 #include "geometry/AngleAccess.h"
 #include "geometry/Degrees.h"
+#include "geometry/Quad.h"
 #include "model/KinematicImplementation.h"
 
 #include <Orvo/Kin/Machine.h>
@@ -10,6 +12,7 @@
 #include <Orvo/Kin/ProgramSystemCompute.h>
 
 #include <cmath>
+#include <limits>
 #include <utility>
 
 namespace Orvo::Kin {
@@ -20,8 +23,8 @@ namespace {
 struct MainRotary {
   Register reg;
   bool isRangeChecked = false;
-  Angle min;
-  Angle max;
+  double min = 0.0;
+  double max = 0.0;
 };
 
 }  // namespace
@@ -36,6 +39,9 @@ struct ProgramSystemComputeImplementation {
     for (int i = 0; i < 2; ++i) {
       rotaries[i].reg = programSystem.GetMainRotary(i);
     }
+    for (int i = 0; i < 3; ++i) {
+      linears[i] = programSystem.GetMainLinear(i);
+    }
   }
 
   // Takes the limits of the rotary axes down anew when anything of the machine's elements changed.
@@ -47,11 +53,15 @@ struct ProgramSystemComputeImplementation {
     for (MainRotary& rotary : rotaries) {
       const Entity* const entity = store.byRegister.At(rotary.reg.GetVal());
       rotary.isRangeChecked = entity != nullptr && entity->GetCheckRangeAxis();
+      rotary.min = -std::numeric_limits<double>::infinity();
+      rotary.max = std::numeric_limits<double>::infinity();
       if (rotary.isRangeChecked) {
-        rotary.min.SetDegre(entity->GetRangeMin());
-        rotary.max.SetDegre(entity->GetRangeMax());
+        rotary.min = RadiansFromDegrees(entity->GetRangeMin());
+        rotary.max = RadiansFromDegrees(entity->GetRangeMax());
       }
     }
+    min = Quad(rotaries[0].min, rotaries[0].min, rotaries[1].min, rotaries[1].min);
+    max = Quad(rotaries[0].max, rotaries[0].max, rotaries[1].max, rotaries[1].max);
     store_ = &store;
     changeNb_ = store.changeNb;
   }
@@ -65,6 +75,11 @@ struct ProgramSystemComputeImplementation {
   HeadIndex head;
   TableIndex table;
   MainRotary rotaries[2];
+  Register linears[3];
+
+  // The limits of the first rotary axis twice, and those of the second one.
+  Quad min;
+  Quad max;
 
  private:
   const KinematicImplementation* store_ = nullptr;
@@ -72,6 +87,33 @@ struct ProgramSystemComputeImplementation {
 };
 
 namespace {
+
+// Tells whether two solutions are the nearest ones to the current values of both axes already, and
+// in range; then also how far the axes move to each, in degrees.
+bool AreNearestInRange(const RotaryAngles& found, const double currentDeg[2], const Quad& min,
+                       const Quad& max, double moves[2]) {
+  const Quad angles(found.alpha[0], found.alpha[1], found.beta[0], found.beta[1]);
+  const Quad anglesDeg = DegreesFromRadians(angles);
+  const Quad current(currentDeg[0], currentDeg[0], currentDeg[1], currentDeg[1]);
+  const Quad reference = DegreesFromRadians(RadiansFromDegrees(current));
+  const Quad turn(FullTurnDeg);
+  const Quad distances = Abs(anglesDeg - reference);
+  if (!AreAllInOrder(distances, Abs(anglesDeg + turn - reference)) ||
+      !AreAllInOrder(distances, Abs(anglesDeg - turn - reference)) || !AreAllInOrder(min, angles) ||
+      !AreAllInOrder(angles, max)) {
+    return false;
+  }
+  alignas(16) double steps[4];
+  Abs(anglesDeg - current).Store(steps);
+  moves[0] = 0.0 + steps[0] + steps[2];
+  moves[1] = 0.0 + steps[1] + steps[3];
+  return true;
+}
+
+void ExchangeSolutions(RotaryAngles* found) {
+  std::swap(found->alpha[0], found->alpha[1]);
+  std::swap(found->beta[0], found->beta[1]);
+}
 
 bool IsRangeChecked(const Entity* entity) {
   return entity != nullptr && entity->GetCheckRangeAxis();
@@ -126,20 +168,21 @@ bool ProgramSystemCompute::ComputeToolIjkTcsToMcsAbc(const MachinePosition& pos,
   }
   record.TakeDownLimits();
 
-  // The two solutions by axis: alpha, then beta.
-  Angle* const solutions[2][2] = {{&sol->Alpha1, &sol->Beta1}, {&sol->Alpha2, &sol->Beta2}};
-  double currentDeg[2];
-  for (int i = 0; i < 2; ++i) {
-    const Register& reg = record.rotaries[i].reg;
-    currentDeg[i] = reg.IsDefined() ? pos[reg] : 0.0;
-  }
-  for (int i = 0; i < 2; ++i) {
-    if (sol->FreeRegister >= 0 && sol->FreeRegister == record.rotaries[i].reg.GetVal()) {
-      solutions[0][i]->SetDegre(currentDeg[i]);
-      break;
+  RotaryAngles found = Load(*sol);
+  if (found.count == 2 && found.freeRegister < 0 && record.rotaries[0].reg.IsDefined() &&
+      record.rotaries[1].reg.IsDefined()) {
+    const double currentDeg[2] = {pos[record.rotaries[0].reg], pos[record.rotaries[1].reg]};
+    double moves[2];
+    if (AreNearestInRange(found, currentDeg, record.min, record.max, moves)) {
+      if (moves[0] > moves[1]) {
+        ExchangeSolutions(&found);
+        Store(found, sol);
+      }
+      return true;
     }
   }
 
+  double* const solutions[2] = {found.alpha, found.beta};  // by axis
   bool isInRange[2] = {true, true};
   double moves[2] = {0.0, 0.0};
   for (int i = 0; i < 2; ++i) {
@@ -147,58 +190,52 @@ bool ProgramSystemCompute::ComputeToolIjkTcsToMcsAbc(const MachinePosition& pos,
     if (!rotary.reg.IsDefined()) {
       continue;
     }
-    const double current = RadiansFromDegrees(currentDeg[i]);
+    const double currentDeg = pos[rotary.reg];
+    const double current = RadiansFromDegrees(currentDeg);
     const double referenceDeg = DegreesFromRadians(current);
-    const double min = AngleAccess::Radians(rotary.min);
-    const double max = AngleAccess::Radians(rotary.max);
-    for (unsigned int s = 0; s < sol->Count; ++s) {
-      Angle& angle = *solutions[s][i];
-      double radians = AngleAccess::Radians(angle);
-      double angleDeg = DegreesFromRadians(radians);
+    // A free axis stays where it is.
+    if (found.freeRegister == rotary.reg.GetVal() &&
+        (i == 0 || record.rotaries[0].reg.GetVal() != found.freeRegister)) {
+      solutions[i][0] = current;
+    }
+    for (unsigned int s = 0; s < found.count; ++s) {
+      double& angle = solutions[i][s];
+      double angleDeg = DegreesFromRadians(angle);
       if (!IsNearestTurn(angleDeg, referenceDeg) ||
-          (rotary.isRangeChecked && !(min <= radians && radians <= max))) {
-        angle = rotary.isRangeChecked
-                    ? ComputeClosestAngle(angle, Angle(current), rotary.min, rotary.max)
-                    : ComputeClosestAngle(angle, Angle(current));
-        radians = AngleAccess::Radians(angle);
-        angleDeg = DegreesFromRadians(radians);
-        if (rotary.isRangeChecked && (radians < min || radians > max)) {
+          (rotary.isRangeChecked && !(rotary.min <= angle && angle <= rotary.max))) {
+        angle = AngleAccess::Radians(
+            rotary.isRangeChecked ? ComputeClosestAngle(angle, current, rotary.min, rotary.max)
+                                  : ComputeClosestAngle(angle, current));
+        angleDeg = DegreesFromRadians(angle);
+        if (rotary.isRangeChecked && (angle < rotary.min || angle > rotary.max)) {
           isInRange[s] = false;
         }
       }
-      moves[s] += std::fabs(angleDeg - currentDeg[i]);
+      moves[s] += std::fabs(angleDeg - currentDeg);
     }
   }
 
-  if (sol->Count == 2 && (!isInRange[0] || !isInRange[1])) {
-    if (isInRange[0] || isInRange[1]) {
-      if (!isInRange[0]) {
-        sol->Alpha1 = sol->Alpha2;
-        sol->Beta1 = sol->Beta2;
-      }
-      sol->Count = 1;
-      sol->Alpha2 = sol->Beta2 = Angle();
-    } else {
-      *sol = RotariesSolution();
+  if (found.count == 2 && isInRange[0] && isInRange[1]) {
+    if (moves[0] > moves[1]) {
+      ExchangeSolutions(&found);
     }
-  } else if (sol->Count == 1 && !isInRange[0]) {
-    *sol = RotariesSolution();
+  } else if (found.count == 2 && (isInRange[0] || isInRange[1])) {
+    const int kept = isInRange[0] ? 0 : 1;
+    found = {1, found.freeRegister, {found.alpha[kept], 0.0}, {found.beta[kept], 0.0}};
+  } else if (found.count != 0 && !isInRange[0]) {
+    found = RotaryAngles();
   }
-  if (sol->Count == 2 && moves[0] > moves[1]) {
-    std::swap(sol->Alpha1, sol->Alpha2);
-    std::swap(sol->Beta1, sol->Beta2);
-  }
+  Store(found, sol);
   return true;
 }
 
 bool ProgramSystemCompute::ComputeToolTcsToMcsXyz(const MachinePosition& pos,
                                                   const Vector3D& offset, const Vector3D& point,
                                                   Vector3D* xyz) {
-  const ProgramSystem& programSystem = implementation_->programSystem;
-  return implementation_->calculator.ComputeToolTcsToMcsXyz(
-      pos, programSystem.GetHeadIndex(), programSystem.GetTableIndex(), offset,
-      programSystem.GetMainLinear(0), programSystem.GetMainLinear(1),
-      programSystem.GetMainLinear(2), point, xyz);
+  ProgramSystemComputeImplementation& record = *implementation_;
+  return record.calculator.ComputeToolTcsToMcsXyz(pos, record.head, record.table, offset,
+                                                  record.linears[0], record.linears[1],
+                                                  record.linears[2], point, xyz);
 }
 
 bool ProgramSystemCompute::CheckLinearRange(const MachinePosition& pos, bool* const inRange) {

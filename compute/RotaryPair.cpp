@@ -32,7 +32,9 @@ RotaryPair::RotaryPair(const Vector3D& axis1, const Vector3D& axis2, const Vecto
   const UnitDirection radius(Minus(tool, center));
   center_ = LoadCoordinates(center);
   radius_ = radius.length;
-  radiusDir_ = LoadCoordinates(radius.dir);
+  const Coordinates1 radiusDir = LoadCoordinates(radius.dir);
+  radiusDirs_ = Gather(radiusDir, radiusDir, radiusDir, radiusDir);
+  axes_ = Gather(axis1_, axis1_, axis2_, axis2_);
   Matrix43 circleFrame;
   circleFrame.MakeAxisW(axis1);
   u_ = LoadCoordinates(circleFrame.GetU());
@@ -52,16 +54,11 @@ RotaryPair::RotaryPair(const Vector3D& axis1, const Vector3D& axis2, const Vecto
               std::fabs(axis2Square_) >= LinePlaneTolerance;
 }
 
-bool RotaryPair::Solve(const Vector3D& givenTarget, RotaryAngles* angles) const {
-  if (!isUsable_) {
+bool RotaryPair::Solve(const RequestedDirection& target, RotaryAngles* angles) const {
+  if (!isUsable_ || target.length < SmallestRequest) {
     return false;
   }
-  const Coordinates1 target = LoadCoordinates(givenTarget);
-  const double targetLength = std::sqrt(Dot(target, target));
-  if (targetLength < SmallestRequest) {
-    return false;
-  }
-  const Coordinates1 unitTarget = DividedBy(target, targetLength);
+  const Coordinates1& unitTarget = target.unit;
 
   // The chord's distance from the circle's center.
   const double toCircle = (centerAlongAxis1_ - Dot(axis1_, unitTarget)) / slopeOfWay_;
@@ -75,7 +72,7 @@ bool RotaryPair::Solve(const Vector3D& givenTarget, RotaryAngles* angles) const 
   }
   if (!(radius_ > size - TangentOuterTolerance)) {
     *angles = RotaryAngles();
-    return !IsWithin(tool_, target, SameDirectionTolerance);
+    return !IsWithin(tool_, target.given, SameDirectionTolerance);
   }
 
   // Where the chord meets the circle, in its plane and in space.
@@ -114,7 +111,7 @@ bool RotaryPair::Solve(const Vector3D& givenTarget, RotaryAngles* angles) const 
   // target.
   const Coordinates4 unitArms = DividedBy(arms, armLengths);
   const Coordinates1 unitTargetArm = DividedBy(targetArm, targetArmLength);
-  const Coordinates4 from = Join(Gather(radiusDir_, radiusDir_, radiusDir_, radiusDir_), unitArms);
+  const Coordinates4 from = Join(radiusDirs_, unitArms);
   const Coordinates4 to =
       Join(unitArms, Gather(unitTargetArm, unitTargetArm, unitTargetArm, unitTargetArm));
   const Coordinates4 normals = Cross(from, to);
@@ -125,7 +122,7 @@ bool RotaryPair::Solve(const Vector3D& givenTarget, RotaryAngles* angles) const 
   const Quad sizes(std::atan2(sines[0], cosines[0]), std::atan2(sines[1], cosines[1]),
                    std::atan2(sines[2], cosines[2]), std::atan2(sines[3], cosines[3]));
   alignas(16) double turns[4];
-  NegateWhereNegative(sizes, Dot(normals, Gather(axis1_, axis1_, axis2_, axis2_))).Store(turns);
+  NegateWhereNegative(sizes, Dot(normals, axes_)).Store(turns);
 
   const bool areTwo = Differ(turns[0], turns[1]) || Differ(turns[2], turns[3]);
   *angles = {areTwo ? 2U : 1U, -1, {turns[0], turns[1]}, {turns[2], turns[3]}};

@@ -5,7 +5,21 @@
 
 #include <Orvo/Vector3D.h>
 
+#include <cmath>
+
 namespace Orvo::Kin {
+
+/// A requested direction, as given and at unit length.
+struct RequestedDirection {
+  explicit RequestedDirection(const Vector3D& direction)
+      : given(LoadCoordinates(direction)),
+        length(std::sqrt(Dot(given, given))),
+        unit(DividedBy(given, length)) {}
+
+  Coordinates1 given;
+  double length;
+  Coordinates1 unit;  // of no use where the length is 0
+};
 
 /// Two rotary axes and a tool direction, with what SolveTwoRotaries() derives from them alone.
 class RotaryPair {
@@ -18,7 +32,7 @@ class RotaryPair {
   /// Solves for a target as SolveTwoRotaries() does, bit for bit. Returns false, without angles,
   /// near every threshold but those that tell whether the target can be reached at all and whether
   /// the two solutions differ: SolveTwoRotaries() decides there.
-  bool Solve(const Vector3D& target, RotaryAngles* angles) const;
+  bool Solve(const RequestedDirection& target, RotaryAngles* angles) const;
 
  private:
   bool isUsable_ = false;
@@ -29,7 +43,8 @@ class RotaryPair {
   // The circle of the tool's tip about axis1, with the unit vectors of its plane.
   Coordinates1 center_{};
   double radius_ = 0.0;
-  Coordinates1 radiusDir_{};  // from the center to the tool's tip
+  Coordinates4 radiusDirs_;  // from the center to the tool's tip, four times
+  Coordinates4 axes_;        // axis1 and axis2, each twice
   Coordinates1 u_{};
   Coordinates1 v_{};
 

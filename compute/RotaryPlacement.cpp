@@ -85,7 +85,7 @@ const RotaryDirections& RotaryPlacement::Compute(const double* values) {
   return directions_;
 }
 
-bool RotaryPlacement::Solve(const Vector3D& target, RotaryAngles* angles) const {
+bool RotaryPlacement::Solve(const RequestedDirection& target, RotaryAngles* angles) const {
   if (!axes_[0].isDefined || !axes_[1].isDefined || !pair_.Solve(target, angles)) {
     return false;
   }

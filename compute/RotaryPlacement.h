@@ -28,7 +28,7 @@ class RotaryPlacement {
 
   /// Solves for a target with the directions computed last. Returns false, without angles, unless
   /// there are two axes and RotaryPair decides.
-  bool Solve(const Vector3D& target, RotaryAngles* angles) const;
+  bool Solve(const RequestedDirection& target, RotaryAngles* angles) const;
 
  private:
   struct Axis {

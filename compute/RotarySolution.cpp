@@ -2,11 +2,13 @@
 #include "compute/RegisterBounds.h"
 #include "compute/RotaryAngles.h"
 #include "compute/RotaryCore.h"
+#include "compute/RotaryPair.h"
 #include "geometry/VectorKernel.h"
 #include "model/PositionAccess.h"
 
 #include <Orvo/Kin/MachineCompute.h>
 
+#include <cstddef>
 #include <vector>
 
 namespace Orvo::Kin {
@@ -32,6 +34,8 @@ bool MachineCompute::ComputeToolIjkTcsToMcsAbc(const MachinePosition& pos, const
   if (sol == nullptr) {
     return Fail(ComputeErrorNullOutput);
   }
+  // First, since all of the solution waits for its square root.
+  const RequestedDirection target(ijk);
   const Register registers[2] = {r0, r1};
   MachineComputeImplementation& record = *implementation_;
   const std::vector<double>& values = PositionAccess::Values(pos);
@@ -45,13 +49,13 @@ bool MachineCompute::ComputeToolIjkTcsToMcsAbc(const MachinePosition& pos, const
       return Fail(ComputeErrorEmptyPosition);
     }
   }
-  record.scratch = pos;
+  std::vector<double>& scratch = record.SetScratch(values);
   for (const Register& reg : registers) {
     if (reg.IsDefined()) {
       if (!HasRegister(pos, reg)) {
         return Fail(ComputeErrorRegister);
       }
-      record.scratch[reg] = 0.0;
+      scratch[static_cast<std::size_t>(reg.GetVal())] = 0.0;
     }
   }
   if (placement == nullptr) {
@@ -74,7 +78,7 @@ bool MachineCompute::ComputeToolIjkTcsToMcsAbc(const MachinePosition& pos, const
   if (placement != nullptr) {
     directions = &placement->Compute(values.data());
     RotaryAngles angles;
-    if (placement->Solve(ijk, &angles)) {
+    if (placement->Solve(target, &angles)) {
       Store(angles, sol);
       return true;
     }

@@ -204,25 +204,31 @@ inline Lanes ApplyFrameToDirection(const double* m, Matrix43::Type type, const d
              : WithW(CombineColumns(m, v[0], v[1], v[2]), 0.0);
 }
 
+/// Returns the transposed x, y, z of directions, with the fourth row 0.
+inline Directions Transpose(const Directions& m) {
+  const __m128d zero = _mm_setzero_pd();
+  return {{_mm_unpacklo_pd(m.u.xy, m.v.xy), _mm_unpacklo_pd(m.w.xy, zero)},
+          {_mm_unpackhi_pd(m.u.xy, m.v.xy), _mm_unpackhi_pd(m.w.xy, zero)},
+          {_mm_unpacklo_pd(m.u.zw, m.v.zw), _mm_unpacklo_pd(m.w.zw, zero)}};
+}
+
 /// Writes the inverse of a frame by transposed directions; its kind is the same.
 inline void InvertRigid(const double* m, Matrix43::Type type, double* inverse) {
-  CopyFrame(IdentityFrame, inverse);
-  if (type == Matrix43::General || type == Matrix43::Rotation ||
-      type == Matrix43::RotationTranslation) {
-    for (int i = 0; i < 3; ++i) {
-      inverse[4 * i] = m[i];
-      inverse[4 * i + 1] = m[4 + i];
-      inverse[4 * i + 2] = m[8 + i];
-    }
+  const bool isTurned = type == Matrix43::General || type == Matrix43::Rotation ||
+                        type == Matrix43::RotationTranslation;
+  const Directions directions =
+      isTurned ? Transpose(LoadDirections(m)) : LoadDirections(IdentityFrame);
+  const Lanes zero = LoadLanes(IdentityFrame + 12);
+  Lanes origin = zero;
+  if (type == Matrix43::General || type == Matrix43::RotationTranslation) {
+    origin = Negative(Add(CombineColumns(directions, m[12], m[13], m[14]), zero));
+  } else if (type == Matrix43::Translation) {
+    origin = Negative(Add(LoadLanes(m + 12), zero));
   }
-  if (type == Matrix43::Identity || type == Matrix43::Rotation || type == Matrix43::Projective) {
-    return;
-  }
-  alignas(16) double origin[4];
-  StoreLanes(origin, ApplyFrameToPoint(inverse, type, m + 12));
-  inverse[12] = -origin[0];
-  inverse[13] = -origin[1];
-  inverse[14] = -origin[2];
+  StoreLanes(inverse, directions.u);
+  StoreLanes(inverse + 4, directions.v);
+  StoreLanes(inverse + 8, directions.w);
+  StoreLanes(inverse + 12, WithW(origin, 1.0));
 }
 
 }  // namespace Orvo

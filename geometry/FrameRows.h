@@ -48,17 +48,40 @@ inline FrameRow MultiplyRow(const double* a, int row, const FrameRows& b) {
   return {uv, _mm_add_sd(tw, _mm_load_sd(a + 12 + row))};
 }
 
-/// Returns the product a * b.
-inline FrameRows MultiplyRows(const double* a, const FrameRows& b) {
-  return {MultiplyRow(a, 0, b), MultiplyRow(a, 1, b), MultiplyRow(a, 2, b)};
+/// Returns the same directions with another origin.
+inline FrameRow WithOrigin(const FrameRow& row, const __m128d& origin) {
+  return {row.uv, _mm_move_sd(row.tw, origin)};
 }
 
-/// Adds the origin of a frame.
-inline FrameRows ShiftRows(const double* a, const FrameRows& b) {
-  const auto shift = [a](int row, const FrameRow& from) {
-    return FrameRow{from.uv, _mm_add_sd(from.tw, _mm_load_sd(a + 12 + row))};
-  };
-  return {shift(0, b.x), shift(1, b.y), shift(2, b.z)};
+/// Returns the product a * b by the rule for the kinds of the two, as MultiplyFrames() does; not
+/// for projective frames.
+inline FrameRows MultiplyRows(ProductRule rule, const double* a, const FrameRows& b) {
+  const auto origin = [a](int row) { return _mm_load_sd(a + 12 + row); };
+  switch (rule) {
+    case ProductRule::Left:
+      return LoadRows(a);
+    case ProductRule::Turn: {
+      const __m128d zero = _mm_setzero_pd();
+      return {WithOrigin(MultiplyRow(a, 0, b), zero), WithOrigin(MultiplyRow(a, 1, b), zero),
+              WithOrigin(MultiplyRow(a, 2, b), zero)};
+    }
+    case ProductRule::RightTurned:
+      return {WithOrigin(b.x, origin(0)), WithOrigin(b.y, origin(1)), WithOrigin(b.z, origin(2))};
+    case ProductRule::RightMoved: {
+      const auto move = [&origin](int row, const FrameRow& from) {
+        return FrameRow{from.uv, _mm_add_sd(from.tw, origin(row))};
+      };
+      return {move(0, b.x), move(1, b.y), move(2, b.z)};
+    }
+    case ProductRule::LeftMoved:
+      return {WithOrigin(LoadRow(a, 0), MultiplyRow(a, 0, b).tw),
+              WithOrigin(LoadRow(a, 1), MultiplyRow(a, 1, b).tw),
+              WithOrigin(LoadRow(a, 2), MultiplyRow(a, 2, b).tw)};
+    case ProductRule::Affine:
+      return {MultiplyRow(a, 0, b), MultiplyRow(a, 1, b), MultiplyRow(a, 2, b)};
+    default:
+      return b;
+  }
 }
 
 }  // namespace Orvo

@@ -35,6 +35,11 @@ inline Lanes Subtract(const Lanes& a, const Lanes& b) {
   return {_mm_sub_pd(a.xy, b.xy), _mm_sub_pd(a.zw, b.zw)};
 }
 
+inline Lanes Negative(const Lanes& a) {
+  const __m128d sign = _mm_set1_pd(-0.0);
+  return {_mm_xor_pd(a.xy, sign), _mm_xor_pd(a.zw, sign)};
+}
+
 inline Lanes Scale(const Lanes& a, double factor) {
   const __m128d f = _mm_set1_pd(factor);
   return {_mm_mul_pd(a.xy, f), _mm_mul_pd(a.zw, f)};

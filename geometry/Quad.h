@@ -8,6 +8,7 @@ namespace Orvo {
 /// alone.
 class Quad {
  public:
+  Quad() : Quad(0.0) {}
   Quad(double a, double b, double c, double d) : low_(_mm_set_pd(b, a)), high_(_mm_set_pd(d, c)) {}
 
   /// The same number four times.
@@ -31,6 +32,11 @@ class Quad {
 
   friend Quad Sqrt(const Quad& a) { return {_mm_sqrt_pd(a.low_), _mm_sqrt_pd(a.high_)}; }
 
+  friend Quad Abs(const Quad& a) {
+    const __m128d sign = _mm_set1_pd(-0.0);
+    return {_mm_andnot_pd(sign, a.low_), _mm_andnot_pd(sign, a.high_)};
+  }
+
   /// Each number no smaller than min and no larger than max, NaN as it is.
   friend Quad Clamp(const Quad& a, double min, double max) {
     const auto clamp = [least = _mm_set1_pd(min), most = _mm_set1_pd(max)](__m128d pair) {
@@ -46,6 +52,13 @@ class Quad {
       return _mm_xor_pd(pair, _mm_and_pd(isBelow, _mm_set1_pd(-0.0)));
     };
     return {negate(a.low_, sign.low_), negate(a.high_, sign.high_)};
+  }
+
+  /// Tells whether no number of the first is larger than that of the second; false for NaN.
+  friend bool AreAllInOrder(const Quad& a, const Quad& b) {
+    constexpr int Both = 3;
+    return _mm_movemask_pd(
+               _mm_and_pd(_mm_cmple_pd(a.low_, b.low_), _mm_cmple_pd(a.high_, b.high_))) == Both;
   }
 
   /// Tells whether any number is below a bound.
