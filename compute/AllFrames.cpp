@@ -150,12 +150,19 @@ inline void AllFrames::MultiplyUsual(Matrix43* frames, MultiplyTwo multiplyTwo, 
     Matrix43& frame = frames[element->place];
     double* const m = FrameAccess::Elements(&frame);
     const ProductKind product = element->product;
-    if (element->callNb == callNb || element->parent->callNb == callNb) {
+    const bool hasChanged = element->callNb == callNb || element->parent->callNb == callNb;
+    if (hasChanged) {
       element->callNb = callNb;
+    }
+    if (product.type == Matrix43::Identity) {
+      // Not written onto an identity, as everywhere.
+      if (FrameAccess::Type(frame) != Matrix43::Identity) {
+        copy(IdentityFrame, m);
+      }
+    } else if (hasChanged) {
       multiplyTwo(product.rule, element->parent->world, element->link.Frame().elements,
                   element->world, m);
-    } else if (product.type != Matrix43::Identity ||
-               FrameAccess::Type(frame) != Matrix43::Identity) {
+    } else {
       copy(element->world, m);
     }
     FrameAccess::SetType(&frame, product.type);

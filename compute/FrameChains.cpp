@@ -4,6 +4,7 @@
 #include "geometry/FrameRows.h"
 
 #include <algorithm>
+#include <functional>
 #include <utility>
 
 namespace Orvo::Kin {
@@ -94,19 +95,19 @@ void FrameChains::Prepare() {
            std::find(zeroRegisters_.begin(), zeroRegisters_.end(), link.Reg()) ==
                zeroRegisters_.end();
   };
-  for (std::uint32_t number = 0; number < chains_.size(); ++number) {
-    const Chain& chain = chains_[number];
-    for (std::uint32_t place = 0; place < chain.links.size(); ++place) {
-      if (isMoving(chain, links_[chain.links[place]])) {
-        uses_.push_back({chain.links[place], number, place});
+  for (Chain& chain : chains_) {
+    for (std::size_t place = 0; place < chain.links.size(); ++place) {
+      KeptLink& link = links_[chain.links[place]];
+      chain.frames.push_back(&link.Frame());
+      if (isMoving(chain, link)) {
+        uses_.push_back({&link, &chain, place});
       }
     }
+    chain.links = {};
   }
-  const auto regOf = [this](const Use& use) {
-    return static_cast<std::size_t>(links_[use.link].Reg());
-  };
+  const auto regOf = [](const Use& use) { return static_cast<std::size_t>(use.link->Reg()); };
   std::sort(uses_.begin(), uses_.end(), [&regOf](const Use& a, const Use& b) {
-    return std::pair(regOf(a), a.link) < std::pair(regOf(b), b.link);
+    return regOf(a) != regOf(b) ? regOf(a) < regOf(b) : std::less<>()(a.link, b.link);
   });
   for (std::size_t use = 0; use < uses_.size(); ++use) {
     if (watched_.empty() || watched_.back().reg != regOf(uses_[use])) {
@@ -132,12 +133,12 @@ bool FrameChains::Update(const double* values) {
     return false;
   }
   for (Chain& chain : chains_) {
-    chain.hasChanged = chain.firstChange < chain.links.size();
+    chain.hasChanged = chain.firstChange < chain.frames.size();
     if (chain.hasChanged) {
       if (chain.isExact) {
-        chain.MultiplyAs<ProductInRows>(links_);
+        chain.MultiplyAs<ProductInRows>();
       } else {
-        chain.MultiplyAs<ProductInMemory>(links_);
+        chain.MultiplyAs<ProductInMemory>();
       }
     }
   }
@@ -145,22 +146,21 @@ bool FrameChains::Update(const double* values) {
 }
 
 inline void FrameChains::TakeIn(const Watched* watched) {
-  std::uint32_t latest = static_cast<std::uint32_t>(-1);
-  for (std::size_t i = watched[0].firstUse; i < watched[1].firstUse; ++i) {
-    const Use& use = uses_[i];
-    if (use.link != latest) {
-      latest = use.link;
-      links_[latest].SetAxisValue(watched->value);
+  const Use* const end = uses_.data() + watched[1].firstUse;
+  const KeptLink* latest = nullptr;
+  for (const Use* use = uses_.data() + watched[0].firstUse; use != end; ++use) {
+    if (use->link != latest) {
+      latest = use->link;
+      use->link->SetAxisValue(watched->value);
     }
-    std::size_t& firstChange = chains_[use.chain].firstChange;
-    firstChange = std::min<std::size_t>(firstChange, use.place);
+    use->chain->firstChange = std::min(use->chain->firstChange, use->place);
   }
 }
 
 // Goes on from the kept product where that holds, and keeps the one before the first change.
 template <typename Product>
-void FrameChains::Chain::MultiplyAs(const std::vector<KeptLink>& allLinks) {
-  const std::size_t linkNb = links.size();
+void FrameChains::Chain::MultiplyAs() {
+  const std::size_t linkNb = frames.size();
   if (keptPlace > firstChange) {
     keptPlace = 0;
     SetIdentity(&kept);
@@ -169,13 +169,13 @@ void FrameChains::Chain::MultiplyAs(const std::vector<KeptLink>& allLinks) {
   std::size_t place = keptPlace;
   if (place < firstChange) {
     for (; place < firstChange; ++place) {
-      product.Precede(allLinks[links[place]].Frame());
+      product.Precede(*frames[place]);
     }
     product.Store(&kept);
     keptPlace = firstChange;
   }
   for (; place < linkNb; ++place) {
-    product.Precede(allLinks[links[place]].Frame());
+    product.Precede(*frames[place]);
   }
   product.Store(&frame);
   firstChange = linkNb;

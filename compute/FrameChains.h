@@ -49,12 +49,13 @@ class FrameChains {
  private:
   struct Chain {
     template <typename Product>
-    void MultiplyAs(const std::vector<KeptLink>& allLinks);
+    void MultiplyAs();
 
     Axes axes = Axes::All;
-    std::vector<std::uint32_t> links;  // from the element to the root
-    bool isExact = true;               // the fourth rows of all links are exactly (0, 0, 0, 1)
-    std::size_t firstChange = 0;       // the first place whose link changed since the last product
+    std::vector<std::uint32_t> links;       // from the element to the root, by number
+    std::vector<const TypedFrame*> frames;  // of these, from Prepare() on
+    bool isExact = true;                    // the fourth rows of all links are exactly (0, 0, 0, 1)
+    std::size_t firstChange = 0;  // the first place whose link changed since the last product
     bool hasChanged = false;
     TypedFrame frame;
 
@@ -65,9 +66,9 @@ class FrameChains {
 
   /// A place of a moving link in a chain.
   struct Use {
-    std::uint32_t link;
-    std::uint32_t chain;
-    std::uint32_t place;
+    KeptLink* link;
+    Chain* chain;
+    std::size_t place;
   };
 
   /// A register that counts, and the value that the frames are computed for. Its uses go up to

@@ -21,8 +21,15 @@ class TableFromHead {
   void Compute(const double* values, const Vector3D& offset, Matrix43* tableFromToolPoint);
 
  private:
+  void Place(const double* worldFromTable, const double* worldFromHead);
+
   FrameChains chains_;
-  TypedFrame tableFromHead_;
+
+  // The frame: its directions and x, y, z of its origin where it is rigid, as nearly always.
+  bool isRigid_ = false;
+  Directions directions_{};
+  Lanes origin_{};
+  TypedFrame tableFromHead_{};
 };
 
 }  // namespace Orvo::Kin
