@@ -16,6 +16,9 @@ void RegisterForward(const std::vector<Subject>& subjects);
 /// W3: both rotary solutions. W4: from a direction and a point to five axis values.
 void RegisterSolutions(const std::vector<Subject>& subjects);
 
+/// The spread of W1 to W4 from call to call.
+void RegisterTails(const std::vector<Subject>& subjects);
+
 /// W5: making a machine ready, from its elements to its tables. W6: reading it from a file.
 void RegisterFiles();
 

@@ -1,5 +1,6 @@
 #include "Benchmarks.h"
 #include "EigenMachine.h"
+#include "PlainPath.h"
 #ifdef ORVO_HAVE_KDL
 #include "KdlMachine.h"
 #endif
@@ -25,20 +26,24 @@ struct Forward {
   explicit Forward(const Subject& given)
       : subject(given),
         compute(given.machine),
+        plain(given.machine),
         eigen(given.machine, given.programSystem, given.offset) {
+    UsePlainPath(plain);
     for (const MachinePosition& position : subject.positions) {
       radians.push_back(Radians(subject.machine, position));
     }
   }
 
-  bool ComputeTableFromTool(std::size_t i, Matrix43* frame) {
+  bool ComputeTableFromTool(MachineCompute* with, const MachinePosition& position,
+                            Matrix43* frame) const {
     const ProgramSystem& ps = subject.programSystem;
-    return compute.ComputeMcsToToolTcs(subject.positions[i], ps.GetHeadIndex(), ps.GetTableIndex(),
-                                       subject.offset, frame);
+    return with->ComputeMcsToToolTcs(position, ps.GetHeadIndex(), ps.GetTableIndex(),
+                                     subject.offset, frame);
   }
 
   const Subject& subject;
   MachineCompute compute;
+  MachineCompute plain;
   EigenMachine eigen;
   std::vector<std::vector<double>> radians;
 #ifdef ORVO_HAVE_KDL
@@ -68,7 +73,7 @@ void CheckAnswers(Forward* forward) {
     std::vector<Matrix43> frames;
     Matrix43 tableFromTool;
     if (!forward->compute.ComputePositionMachine(subject.positions[i], &frames) ||
-        !forward->ComputeTableFromTool(i, &tableFromTool)) {
+        !forward->ComputeTableFromTool(&forward->compute, subject.positions[i], &tableFromTool)) {
       throw std::runtime_error(subject.name + ": no frames");
     }
     EigenMachine::Frames eigenFrames;
@@ -117,35 +122,60 @@ void RegisterForward(const std::vector<Subject>& subjects) {
     const auto forward = std::make_shared<Forward>(subject);
     CheckAnswers(forward.get());
 
-    const std::string w1 = "W1/" + subject.name + "/";
-    const auto frames = std::make_shared<std::vector<Matrix43>>();
-    Register(w1 + "orvo", forward, [frames](Forward& f, std::size_t i) {
-      f.compute.ComputePositionMachine(f.subject.positions[i], frames.get());
-      benchmark::DoNotOptimize(frames->data());
-      benchmark::ClobberMemory();
-    });
+    const auto registerOwn = [&forward, &subject](const std::string& who,
+                                                  MachineCompute Forward::*with) {
+      const auto frames = std::make_shared<std::vector<Matrix43>>();
+      const auto computeFrames = [frames, with](Forward& f, const MachinePosition& position) {
+        (f.*with).ComputePositionMachine(position, frames.get());
+        benchmark::DoNotOptimize(frames->data());
+        benchmark::ClobberMemory();
+      };
+      const auto computeTableFromTool = [with](Forward& f, const MachinePosition& position) {
+        Matrix43 frame;
+        f.ComputeTableFromTool(&(f.*with), position, &frame);
+        benchmark::DoNotOptimize(frame);
+      };
+      Register("W1/" + subject.name + who, forward, [computeFrames](Forward& f, std::size_t i) {
+        computeFrames(f, f.subject.positions[i]);
+      });
+      Register("W1-path/" + subject.name + who, forward,
+               [computeFrames](Forward& f, std::size_t i) {
+                 computeFrames(f, f.subject.requests[i].current);
+               });
+      Register("W2/" + subject.name + who, forward,
+               [computeTableFromTool](Forward& f, std::size_t i) {
+                 computeTableFromTool(f, f.subject.positions[i]);
+               });
+      Register("W2-path/" + subject.name + who, forward,
+               [computeTableFromTool](Forward& f, std::size_t i) {
+                 computeTableFromTool(f, f.subject.requests[i].current);
+               });
+    };
+    registerOwn("/orvo", &Forward::compute);
+    registerOwn("/plain", &Forward::plain);
+
+    // To the others every position is new: along a path they compute the same as anywhere.
+    const auto registerOther = [&forward, &subject](const std::string& work, const std::string& who,
+                                                    auto compute) {
+      Register(work + "/" + subject.name + who, forward, compute);
+      Register(work + "-path/" + subject.name + who, forward, compute);
+    };
     const auto eigenFrames = std::make_shared<EigenMachine::Frames>();
-    Register(w1 + "eigen", forward, [eigenFrames](Forward& f, std::size_t i) {
+    registerOther("W1", "/eigen", [eigenFrames](Forward& f, std::size_t i) {
       f.eigen.ComputeFrames(f.radians[i], eigenFrames.get());
       benchmark::DoNotOptimize(eigenFrames->data());
       benchmark::ClobberMemory();
     });
-    const std::string w2 = "W2/" + subject.name + "/";
-    Register(w2 + "orvo", forward, [](Forward& f, std::size_t i) {
-      Matrix43 frame;
-      f.ComputeTableFromTool(i, &frame);
-      benchmark::DoNotOptimize(frame);
-    });
-    Register(w2 + "eigen", forward, [](Forward& f, std::size_t i) {
+    registerOther("W2", "/eigen", [](Forward& f, std::size_t i) {
       EigenMachine::Frame frame = f.eigen.ComputeTableFromTool(f.radians[i]);
       benchmark::DoNotOptimize(frame);
     });
 #ifdef ORVO_HAVE_KDL
-    Register(w1 + "kdl", forward, [](Forward& f, std::size_t i) {
+    registerOther("W1", "/kdl", [](Forward& f, std::size_t i) {
       f.kdl.ComputeFrames(f.radians[i]);
       benchmark::ClobberMemory();
     });
-    Register(w2 + "kdl", forward, [](Forward& f, std::size_t i) {
+    registerOther("W2", "/kdl", [](Forward& f, std::size_t i) {
       KDL::Frame frame;
       f.kdl.ComputeTableFromTool(f.radians[i], &frame);
       benchmark::DoNotOptimize(frame);

@@ -53,6 +53,7 @@ int main(int argc, char** argv) {
     }
     RegisterForward(subjects);
     RegisterSolutions(subjects);
+    RegisterTails(subjects);
     RegisterFiles();
     RegisterMeshes();
     benchmark::RunSpecifiedBenchmarks();

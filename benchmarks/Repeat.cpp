@@ -8,8 +8,11 @@
 #include <Orvo/Kin/RotariesSolution.h>
 #include <Orvo/Matrix43.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -43,8 +46,21 @@ void Require(bool isDone) {
   }
 }
 
-void Repeat(const std::string& name, const Subject& subject, int count) {
-  const int work = name == "W1" ? 1 : name == "W2" ? 2 : name == "W3" ? 3 : 4;
+enum class Work { AllFrames, TableFromTool, Rotaries, FiveAxes };
+
+/// Which work, and whether only the five axes of the program system move.
+struct Item {
+  const char* name;
+  Work work;
+  bool isAlongPath;
+};
+
+constexpr Item Items[] = {
+    {"W1", Work::AllFrames, false},     {"W1-path", Work::AllFrames, true},
+    {"W2", Work::TableFromTool, false}, {"W2-path", Work::TableFromTool, true},
+    {"W3", Work::Rotaries, true},       {"W4", Work::FiveAxes, true}};
+
+void Repeat(const Item& item, const Subject& subject, int count) {
   const ProgramSystem& ps = subject.programSystem;
   MachineCompute compute(subject.machine);
   ProgramSystemCompute solver(subject.machine, ps);
@@ -52,27 +68,35 @@ void Repeat(const std::string& name, const Subject& subject, int count) {
   MachinePosition position = subject.positions.front();
   for (int n = 0; n < count; ++n) {
     const std::size_t i = static_cast<std::size_t>(n) % subject.requests.size();
-    const MachinePosition& at = subject.positions[i];
     const Request& request = subject.requests[i];
-    if (work == 1) {
-      Require(compute.ComputePositionMachine(at, &frames));
-    } else if (work == 2) {
-      Matrix43 frame;
-      Require(compute.ComputeMcsToToolTcs(at, ps.GetHeadIndex(), ps.GetTableIndex(), subject.offset,
-                                          &frame));
-    } else if (work == 3) {
-      RotariesSolution sol;
-      Require(compute.ComputeToolIjkTcsToMcsAbc(request.current, ps.GetHeadIndex(),
-                                                ps.GetTableIndex(), request.ijk,
-                                                ps.GetMainRotary(0), ps.GetMainRotary(1), &sol));
-    } else {
-      position = request.current;
-      RotariesSolution sol;
-      Require(solver.ComputeToolIjkTcsToMcsAbc(position, request.ijk, &sol));
-      position[ps.GetMainRotary(0)] = sol.Alpha1.GetDegre();
-      position[ps.GetMainRotary(1)] = sol.Beta1.GetDegre();
-      Vector3D xyz;
-      Require(solver.ComputeToolTcsToMcsXyz(position, subject.offset, request.point, &xyz));
+    const MachinePosition& at = item.isAlongPath ? request.current : subject.positions[i];
+    switch (item.work) {
+      case Work::AllFrames:
+        Require(compute.ComputePositionMachine(at, &frames));
+        break;
+      case Work::TableFromTool: {
+        Matrix43 frame;
+        Require(compute.ComputeMcsToToolTcs(at, ps.GetHeadIndex(), ps.GetTableIndex(),
+                                            subject.offset, &frame));
+        break;
+      }
+      case Work::Rotaries: {
+        RotariesSolution sol;
+        Require(compute.ComputeToolIjkTcsToMcsAbc(at, ps.GetHeadIndex(), ps.GetTableIndex(),
+                                                  request.ijk, ps.GetMainRotary(0),
+                                                  ps.GetMainRotary(1), &sol));
+        break;
+      }
+      case Work::FiveAxes: {
+        position = at;
+        RotariesSolution sol;
+        Require(solver.ComputeToolIjkTcsToMcsAbc(position, request.ijk, &sol));
+        position[ps.GetMainRotary(0)] = sol.Alpha1.GetDegre();
+        position[ps.GetMainRotary(1)] = sol.Beta1.GetDegre();
+        Vector3D xyz;
+        Require(solver.ComputeToolTcsToMcsXyz(position, subject.offset, request.point, &xyz));
+        break;
+      }
     }
   }
 }
@@ -80,12 +104,16 @@ void Repeat(const std::string& name, const Subject& subject, int count) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 4) {
-    std::fprintf(stderr, "usage: orvo_repeat W1|W2|W3|W4 MACHINE COUNT\n");
+  const auto* const item =
+      argc == 4 ? std::find_if(std::begin(Items), std::end(Items),
+                               [argv](const Item& one) { return one.name == std::string(argv[1]); })
+                : std::end(Items);
+  if (item == std::end(Items)) {
+    std::fprintf(stderr, "usage: orvo_repeat W1|W1-path|W2|W2-path|W3|W4 MACHINE COUNT\n");
     return 1;
   }
   try {
-    Repeat(argv[1], MakeSubject(argv[2]), std::atoi(argv[3]));
+    Repeat(*item, MakeSubject(argv[2]), std::atoi(argv[3]));
   } catch (const std::exception& e) {
     std::fprintf(stderr, "orvo_repeat: %s\n", e.what());
     return 1;

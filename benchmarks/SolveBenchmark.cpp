@@ -1,5 +1,6 @@
 #include "Benchmarks.h"
 #include "EigenMachine.h"
+#include "PlainPath.h"
 #ifdef ORVO_HAVE_KDL
 #include "KdlMachine.h"
 #endif
@@ -26,9 +27,13 @@ struct Solving {
   explicit Solving(const Subject& given)
       : subject(given),
         compute(given.machine),
+        plainCompute(given.machine),
         solver(given.machine, given.programSystem),
+        plainSolver(given.machine, given.programSystem),
         eigen(given.machine, given.programSystem, given.offset),
         position(given.requests.front().current) {
+    UsePlainPath(plainCompute);
+    UsePlainPath(plainSolver);
     for (const Request& request : subject.requests) {
       directions.emplace_back(request.ijk[0], request.ijk[1], request.ijk[2]);
       points.emplace_back(request.point[0], request.point[1], request.point[2]);
@@ -36,27 +41,27 @@ struct Solving {
     }
   }
 
-  bool SolveRotaries(std::size_t i, RotariesSolution* sol) {
+  bool SolveRotaries(MachineCompute* with, std::size_t i, RotariesSolution* sol) const {
     const ProgramSystem& ps = subject.programSystem;
     const Request& request = subject.requests[i];
-    return compute.ComputeToolIjkTcsToMcsAbc(request.current, ps.GetHeadIndex(), ps.GetTableIndex(),
-                                             request.ijk, ps.GetMainRotary(0), ps.GetMainRotary(1),
-                                             sol);
+    return with->ComputeToolIjkTcsToMcsAbc(request.current, ps.GetHeadIndex(), ps.GetTableIndex(),
+                                           request.ijk, ps.GetMainRotary(0), ps.GetMainRotary(1),
+                                           sol);
   }
 
   // From a direction and a point to the five values, in a position that holds them afterwards.
-  bool Solve(std::size_t i, MachinePosition* pos) {
+  bool Solve(ProgramSystemCompute* with, std::size_t i, MachinePosition* pos) const {
     const ProgramSystem& ps = subject.programSystem;
     const Request& request = subject.requests[i];
     *pos = request.current;
     RotariesSolution sol;
-    if (!solver.ComputeToolIjkTcsToMcsAbc(*pos, request.ijk, &sol) || sol.Count == 0) {
+    if (!with->ComputeToolIjkTcsToMcsAbc(*pos, request.ijk, &sol) || sol.Count == 0) {
       return false;
     }
     (*pos)[ps.GetMainRotary(0)] = sol.Alpha1.GetDegre();
     (*pos)[ps.GetMainRotary(1)] = sol.Beta1.GetDegre();
     Vector3D xyz;
-    if (!solver.ComputeToolTcsToMcsXyz(*pos, subject.offset, request.point, &xyz)) {
+    if (!with->ComputeToolTcsToMcsXyz(*pos, subject.offset, request.point, &xyz)) {
       return false;
     }
     for (int axis = 0; axis < 3; ++axis) {
@@ -67,7 +72,9 @@ struct Solving {
 
   const Subject& subject;
   MachineCompute compute;
+  MachineCompute plainCompute;
   ProgramSystemCompute solver;
+  ProgramSystemCompute plainSolver;
   EigenMachine eigen;
   MachinePosition position;
   std::vector<double> values;
@@ -96,7 +103,7 @@ void CheckAnswers(Solving* solving) {
   for (std::size_t i = 0; i < subject.requests.size(); ++i) {
     MachinePosition solved;
     std::vector<double> eigenValues = solving->radians[i];
-    if (!solving->Solve(i, &solved) ||
+    if (!solving->Solve(&solving->solver, i, &solved) ||
         !solving->eigen.Solve(solving->directions[i], solving->points[i], &eigenValues)) {
       throw std::runtime_error(subject.name + ": no solution");
     }
@@ -111,7 +118,8 @@ void CheckAnswers(Solving* solving) {
     RotariesSolution sol;
     const EigenMachine::RotaryBranches branches =
         solving->eigen.SolveRotaries(solving->radians[i], solving->directions[i]);
-    if (!solving->SolveRotaries(i, &sol) || sol.Count != 2 || branches.count != 2) {
+    if (!solving->SolveRotaries(&solving->compute, i, &sol) || sol.Count != 2 ||
+        branches.count != 2) {
       throw std::runtime_error(subject.name + ": not both rotary solutions");
     }
   }
@@ -122,7 +130,7 @@ void CheckAnswers(Solving* solving) {
 void CheckKdl(Solving* solving) {
   for (std::size_t i = 0; i < solving->subject.requests.size(); ++i) {
     MachinePosition solved;
-    solving->Solve(i, &solved);
+    solving->Solve(&solving->solver, i, &solved);
     KDL::Frame frame;
     solving->kdl.ComputeTableFromTool(Radians(solving->subject.machine, solved), &frame);
     solving->targets.push_back(frame);
@@ -150,20 +158,28 @@ void RegisterSolutions(const std::vector<Subject>& subjects) {
     CheckAnswers(solving.get());
 
     const std::string w3 = "W3/" + subject.name + "/";
-    Register(w3 + "orvo", solving, [](Solving& s, std::size_t i) {
-      RotariesSolution sol;
-      s.SolveRotaries(i, &sol);
-      benchmark::DoNotOptimize(sol);
-    });
+    const auto registerOwnRotaries = [&](const char* who, MachineCompute Solving::*with) {
+      Register(w3 + who, solving, [with](Solving& s, std::size_t i) {
+        RotariesSolution sol;
+        s.SolveRotaries(&(s.*with), i, &sol);
+        benchmark::DoNotOptimize(sol);
+      });
+    };
+    registerOwnRotaries("orvo", &Solving::compute);
+    registerOwnRotaries("plain", &Solving::plainCompute);
     Register(w3 + "eigen", solving, [](Solving& s, std::size_t i) {
       EigenMachine::RotaryBranches branches = s.eigen.SolveRotaries(s.radians[i], s.directions[i]);
       benchmark::DoNotOptimize(branches);
     });
     const std::string w4 = "W4/" + subject.name + "/";
-    Register(w4 + "orvo", solving, [](Solving& s, std::size_t i) {
-      s.Solve(i, &s.position);
-      benchmark::ClobberMemory();
-    });
+    const auto registerOwn = [&](const char* who, ProgramSystemCompute Solving::*with) {
+      Register(w4 + who, solving, [with](Solving& s, std::size_t i) {
+        s.Solve(&(s.*with), i, &s.position);
+        benchmark::ClobberMemory();
+      });
+    };
+    registerOwn("orvo", &Solving::solver);
+    registerOwn("plain", &Solving::plainSolver);
     Register(w4 + "eigen", solving, [](Solving& s, std::size_t i) {
       s.values = s.radians[i];
       s.eigen.Solve(s.directions[i], s.points[i], &s.values);

@@ -5,7 +5,9 @@ usage: scripts/benchmark.py [--filter REGEX] [--repetitions N] [--min-time SECON
 
 Prints a line for each work item and machine: the processor time of one operation (median), and its
 ratio to each other system's in the same run: the median, and the smallest and largest over the
-repetitions. Ratios carry over from one machine to another; times don't.
+repetitions; "plain" is the library with nothing kept from call to call. Then how far the slowest
+hundredth of the calls lies from the median. Ratios carry over from one machine to another; times
+don't.
 """
 
 import argparse
@@ -19,6 +21,7 @@ import sys
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 BUILD = ROOT / "build" / "benchmark"
 OWN = "orvo"
+TAIL = "Tail-"
 NANOSECONDS = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
 
 
@@ -26,7 +29,7 @@ def build():
     commands = [
         ["cmake", "-S", ROOT, "-B", BUILD, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Release",
          "-DORVO_BUILD_BENCHMARKS=ON", "-DORVO_BUILD_TOOLS=OFF", "-DBUILD_TESTING=OFF"],
-        ["cmake", "--build", BUILD, "--target", "orvo_benchmarks"],
+        ["cmake", "--build", BUILD, "--target", "orvo_benchmarks", "orvo_repeat"],
     ]
     for command in commands:
         result = subprocess.run(command, capture_output=True, text=True)
@@ -50,10 +53,24 @@ def collect(report):
     """Returns the times in nanoseconds by work and machine, by system, in order of repetition."""
     times = collections.defaultdict(lambda: collections.defaultdict(list))
     for entry in report["benchmarks"]:
-        if entry.get("run_type") == "iteration":
+        if entry.get("run_type") == "iteration" and not entry["run_name"].startswith(TAIL):
             item, _, system = entry["run_name"].rpartition("/")
             times[item][system].append(entry["cpu_time"] * NANOSECONDS[entry["time_unit"]])
     return times
+
+
+def print_tails(report):
+    """Prints the 99th percentile of a call's time in units of the median, over the repetitions."""
+    tails = collections.defaultdict(list)
+    for entry in report["benchmarks"]:
+        if entry.get("run_type") == "iteration" and "p99_to_p50" in entry:
+            item = entry["run_name"].rpartition("/")[0].removeprefix(TAIL)
+            tails[item].append(entry["p99_to_p50"])
+    if tails:
+        print(f"\n{'work':32} 99th percentile by median (median, smallest - largest)")
+    for item, ratios in tails.items():
+        print(f"{item:32} {statistics.median(ratios):.2f} "
+              f"({min(ratios):.2f} - {max(ratios):.2f})")
 
 
 def in_words(nanoseconds):
@@ -91,6 +108,7 @@ def main():
     if options.json:
         options.json.write_text(json.dumps(report, indent=1))
     print_table(collect(report))
+    print_tails(report)
 
 
 if __name__ == "__main__":
