@@ -22,6 +22,26 @@ bool HasExactUnitAxes(const TypedFrame& frame) {
   return std::memcmp(frame.elements, IdentityFrame, 12 * sizeof(double)) == 0;
 }
 
+// Products of two frames, written to two places, with half a column or a whole one to a register.
+struct Narrow {
+  static void Multiply(ProductRule rule, const double* a, const double* b, double* product,
+                       double* copy) {
+    MultiplyFrames(rule, a, b, product);
+    CopyFrame(product, copy);
+  }
+  static void Copy(const double* m, double* copy) { CopyFrame(m, copy); }
+};
+
+#ifdef ORVO_WIDE
+struct Wide {
+  ORVO_WIDE static void Multiply(ProductRule rule, const double* a, const double* b,
+                                 double* product, double* copy) {
+    MultiplyFramesWide(rule, a, b, product, copy);
+  }
+  ORVO_WIDE static void Copy(const double* m, double* copy) { CopyFrameWide(m, copy); }
+};
+#endif
+
 }  // namespace
 
 bool AllFrames::Build(const std::vector<const Entity*>& entities, std::size_t frameNb) {
@@ -95,13 +115,7 @@ void AllFrames::Compute(const double* values, Matrix43* frames) {
     return;
   }
 #endif
-  MultiplyUsual(
-      frames,
-      [](ProductRule rule, const double* a, const double* b, double* product, double* copy) {
-        MultiplyFrames(rule, a, b, product);
-        CopyFrame(product, copy);
-      },
-      CopyFrame);
+  MultiplyUsual<Narrow>(frames);
 }
 
 inline void AllFrames::SetAxisValues(const double* values) {
@@ -140,8 +154,8 @@ void AllFrames::MultiplyAny(Matrix43* frames) {
 }
 
 // Goes down from the elements whose links changed, and only copies the other frames.
-template <typename MultiplyTwo, typename Copy>
-inline void AllFrames::MultiplyUsual(Matrix43* frames, MultiplyTwo multiplyTwo, Copy copy) {
+template <typename Width>
+inline void AllFrames::MultiplyUsual(Matrix43* frames) {
   const std::uint64_t callNb = callNb_;
   elements_.front().callNb = isComputed_ ? 0 : callNb;
   isComputed_ = true;
@@ -157,22 +171,20 @@ inline void AllFrames::MultiplyUsual(Matrix43* frames, MultiplyTwo multiplyTwo, 
     if (product.type == Matrix43::Identity) {
       // Not written onto an identity, as everywhere.
       if (FrameAccess::Type(frame) != Matrix43::Identity) {
-        copy(IdentityFrame, m);
+        Width::Copy(IdentityFrame, m);
       }
     } else if (hasChanged) {
-      multiplyTwo(product.rule, element->parent->world, element->link.Frame().elements,
-                  element->world, m);
+      Width::Multiply(product.rule, element->parent->world, element->link.Frame().elements,
+                      element->world, m);
     } else {
-      copy(element->world, m);
+      Width::Copy(element->world, m);
     }
     FrameAccess::SetType(&frame, product.type);
   }
 }
 
 #ifdef ORVO_WIDE
-ORVO_WIDE void AllFrames::MultiplyUsualWide(Matrix43* frames) {
-  MultiplyUsual(frames, MultiplyFramesWide, CopyFrameWide);
-}
+ORVO_WIDE void AllFrames::MultiplyUsualWide(Matrix43* frames) { MultiplyUsual<Wide>(frames); }
 #endif
 
 }  // namespace Orvo::Kin

@@ -54,8 +54,8 @@ class AllFrames {
   void FindProducts();
   void SetAxisValues(const double* values);
   void MultiplyAny(Matrix43* frames);
-  template <typename MultiplyTwo, typename Copy>
-  void MultiplyUsual(Matrix43* frames, MultiplyTwo multiplyTwo, Copy copy);
+  template <typename Width>
+  void MultiplyUsual(Matrix43* frames);
   void MultiplyUsualWide(Matrix43* frames);
 
   std::vector<Element> elements_;

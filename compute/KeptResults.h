@@ -101,12 +101,7 @@ class KeptResults {
   /// be computed plainly.
   KeptResults* Current(const KinematicImplementation& store) {
     if (&store != store_ || store.changeNb != changeNb_) {
-      store_ = &store;
-      changeNb_ = store.changeNb;
-      frames.Clear();
-      tableFromHead.Clear();
-      rotary.Clear();
-      linear.Clear();
+      Forget(store);
     }
     return isOff_ ? nullptr : this;
   }
@@ -120,6 +115,8 @@ class KeptResults {
   Shelf<LinearPlacement> linear;
 
  private:
+  void Forget(const KinematicImplementation& store);
+
   const KinematicImplementation* store_ = nullptr;
   unsigned long long changeNb_ = 0;
   bool isOff_ = false;
