@@ -4,18 +4,20 @@
 
 #include <algorithm>
 #include <cstring>
+#include <optional>
 #include <utility>
 
 namespace Orvo::Kin {
 
 namespace {
 
-std::size_t PlaceOf(const Entity* entity, std::size_t frameNb, std::size_t none) {
+// The place of an element among the frames, if it has one.
+std::optional<std::size_t> PlaceOf(const Entity* entity, std::size_t frameNb) {
   if (entity == nullptr || !entity->GetEntityId().IsDefined()) {
-    return none;
+    return std::nullopt;
   }
   const auto place = static_cast<std::size_t>(entity->GetEntityId().GetVal());
-  return place < frameNb ? place : none;
+  return place < frameNb ? std::optional(place) : std::nullopt;
 }
 
 bool HasExactUnitAxes(const TypedFrame& frame) {
@@ -61,12 +63,13 @@ bool AllFrames::Build(const std::vector<const Entity*>& entities, std::size_t fr
     if (element.link.IsAxis()) {
       registerBound_ = std::max(registerBound_, reg + 1);
     }
-    element.place = PlaceOf(entity, frameNb, None);
-    if (element.place == None) {
+    const std::optional<std::size_t> place = PlaceOf(entity, frameNb);
+    if (!place) {
       continue;
     }
-    const std::size_t parentPlace = PlaceOf(entity->GetParentEntity(), frameNb, None);
-    element.parent = parentPlace == None ? elements_.data() : elementAt[parentPlace];
+    element.place = *place;
+    const std::optional<std::size_t> parentPlace = PlaceOf(entity->GetParentEntity(), frameNb);
+    element.parent = parentPlace ? elementAt[*parentPlace] : elements_.data();
     if (element.parent == nullptr) {
       return false;
     }

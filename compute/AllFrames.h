@@ -27,8 +27,6 @@ class AllFrames {
   void Compute(const double* values, Matrix43* frames);
 
  private:
-  static constexpr std::size_t None = static_cast<std::size_t>(-1);
-
   /// An element with a place among the frames.
   struct alignas(32) Element {
     double world[16] = {};

@@ -116,14 +116,13 @@ constexpr ProductKind KindOfProduct(Matrix43::Type a, Matrix43::Type b) {
 
 /// KindOfProduct() of all pairs, left kind first.
 struct ProductKinds {
-  static constexpr int TypeNb = 6;
-  ProductKind kinds[TypeNb][TypeNb];
+  ProductKind kinds[Matrix43::Projective + 1][Matrix43::Projective + 1];
 };
 
 inline constexpr ProductKinds KindsOfProducts = [] {
   ProductKinds table{};
-  for (int a = 0; a < ProductKinds::TypeNb; ++a) {
-    for (int b = 0; b < ProductKinds::TypeNb; ++b) {
+  for (int a = Matrix43::General; a <= Matrix43::Projective; ++a) {
+    for (int b = Matrix43::General; b <= Matrix43::Projective; ++b) {
       table.kinds[a][b] =
           KindOfProduct(static_cast<Matrix43::Type>(a), static_cast<Matrix43::Type>(b));
     }

@@ -56,9 +56,9 @@ class Quad {
 
   /// Tells whether no number of the first is larger than that of the second; false for NaN.
   friend bool AreAllInOrder(const Quad& a, const Quad& b) {
-    constexpr int Both = 3;
-    return _mm_movemask_pd(
-               _mm_and_pd(_mm_cmple_pd(a.low_, b.low_), _mm_cmple_pd(a.high_, b.high_))) == Both;
+    const __m128d isInOrder =
+        _mm_and_pd(_mm_cmple_pd(a.low_, b.low_), _mm_cmple_pd(a.high_, b.high_));
+    return _mm_movemask_pd(isInOrder) == 0b11;
   }
 
   /// Tells whether any number is below a bound.

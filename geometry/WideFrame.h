@@ -40,8 +40,7 @@ ORVO_WIDE inline __m256d LoadHalves(const double* column) {
 }
 
 ORVO_WIDE inline __m256d WithW(const __m256d& a, double w) {
-  constexpr int LastOfFour = 8;
-  return _mm256_blend_pd(a, _mm256_set1_pd(w), LastOfFour);
+  return _mm256_blend_pd(a, _mm256_set1_pd(w), 0b1000);
 }
 
 /// Where a frame is written to: for products to come, aligned to 32 bytes, and for the caller.

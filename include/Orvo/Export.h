@@ -17,3 +17,10 @@
 #else
 #define ORVO_API
 #endif
+
+// Marks members of an exported class that stay hidden, where single members can.
+#if defined(__GNUC__) && !defined(_WIN32)
+#define ORVO_LOCAL __attribute__((visibility("hidden")))
+#else
+#define ORVO_LOCAL
+#endif

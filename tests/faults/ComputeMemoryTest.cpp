@@ -152,6 +152,7 @@ TEST_F(ComputeMemory, SecondCallAsksForNone) {
   const auto computeAll = [&] {
     EXPECT_TRUE(SolveRotary(c, 0) && SolveLinear(c, 0));
     EXPECT_TRUE(c.compute.ComputePositionMachine(position_, &c.frames));
+    EXPECT_TRUE(c.compute.ComputeMcsToToolTcs(position_, 0, 0, Offset, &c.frame));
     EXPECT_TRUE(
         c.programSystemCompute.ComputeToolIjkTcsToMcsAbc(position_, Direction, &c.solution));
     EXPECT_TRUE(c.programSystemCompute.ComputeToolTcsToMcsXyz(position_, Offset, Point, &c.xyz));
@@ -163,11 +164,10 @@ TEST_F(ComputeMemory, SecondCallAsksForNone) {
   computeAll();
   const Kin::Entity& head = *machine_.GetKinematic().GetEntityHead(0);
   EXPECT_TRUE(c.compute.ComputePositionEntity(head, position_, &c.frame));
-  EXPECT_TRUE(c.compute.ComputeMcsToToolTcs(position_, 0, 0, Offset, &c.frame));
   EXPECT_TRUE(c.compute.ComputeRelativePosition(head.GetEntityLink(), head.GetRegister(), position_,
                                                 &c.frame));
+  EXPECT_TRUE(c.compute.ComputeMcsToToolTcs(position_, 0, 0, Offset, &c.frame));
   EXPECT_FALSE(AllowAllocations());
-  c.frame = Matrix43();
   EXPECT_EQ(DescribeAll(c), expected);
 }
 

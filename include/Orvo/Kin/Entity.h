@@ -150,7 +150,7 @@ class ORVO_API Entity : public ISerializableXML {
   void SetParentEntity(const Entity* parent);
 
  private:
-  void CountChangesIn(unsigned long long* changeNb);
+  ORVO_LOCAL void CountChangesIn(unsigned long long* changeNb);
   bool GetEntityTypeFromDict(const std::wstring& word, EntityType& type);
   bool GetEntityParallelTypeFromDict(const std::wstring& word, EntityParallelType& type);
   void SerializeXML_Meshes(XMLWriter& writer, XMLElement* parent);

@@ -85,7 +85,7 @@ class ORVO_API EntityLink : public ISerializableXML {
   friend class Entity;
 
   bool GetEntityLinkTypeFromDict(const std::wstring& word, EntityLinkType& type);
-  void CountChange();
+  ORVO_LOCAL void CountChange();
 
   EntityLinkType type_;
   Vector3D center_;

@@ -184,8 +184,8 @@ class ORVO_API MachineCompute {
                      const Vector3D& target, const Register& reg1, const Register& reg2,
                      RotariesSolution* sol);
   void SwapSolAlphaBeta(RotariesSolution* sol);
-  bool FindRotaryDirections(const MachinePosition& pos, const Register registers[2],
-                            RotaryDirections* directions);
+  ORVO_LOCAL bool FindRotaryDirections(const MachinePosition& pos, const Register registers[2],
+                                       RotaryDirections* directions);
   void BuildAxisChain(const HeadIndex& head, const TableIndex& table);
   bool Fail(MachineComputeErrorType error);
 
