@@ -2,6 +2,7 @@
 """Builds the benchmarks in build/benchmark, runs them, and prints how the library compares.
 
 usage: scripts/benchmark.py [--filter REGEX] [--repetitions N] [--min-time SECONDS] [--json FILE]
+                            [--markdown]
 
 Prints a line for each work item and machine: the processor time of one operation (median), and its
 ratio to each other system's in the same run: the median, and the smallest and largest over the
@@ -59,6 +60,27 @@ def collect(report):
     return times
 
 
+def print_markdown(times):
+    """Prints the same as a table of a page, a column for each other system."""
+    others = []
+    for systems in times.values():
+        others += [system for system in systems if system != OWN and system not in others]
+    print("| work | machine | time | " + " | ".join(f"by {system}" for system in others) + " |")
+    print("|---|---|---:|" + "---:|" * len(others))
+    for item, systems in times.items():
+        if OWN not in systems:
+            continue
+        work, _, machine = item.partition("/")
+        own = systems[OWN]
+        cells = []
+        for system in others:
+            ratios = [a / b for a, b in zip(own, systems.get(system, []))]
+            cells.append(f"{statistics.median(ratios):.3f} ({min(ratios):.3f} - {max(ratios):.3f})"
+                         if ratios else "")
+        print(f"| {work} | {machine} | {in_words(statistics.median(own))} | "
+              + " | ".join(cells) + " |")
+
+
 def print_tails(report):
     """Prints the 99th percentile of a call's time in units of the median, over the repetitions."""
     tails = collections.defaultdict(list)
@@ -101,13 +123,14 @@ def main():
     parser.add_argument("--filter", default=".", help="regular expression over names such as W1/M5/orvo")
     parser.add_argument("--repetitions", type=int, default=5)
     parser.add_argument("--min-time", type=float, default=0.1, help="seconds for each repetition")
+    parser.add_argument("--markdown", action="store_true", help="print the ratios as a table")
     parser.add_argument("--json", type=pathlib.Path, help="also keep the whole report in a file")
     options = parser.parse_args()
     build()
     report = run(options)
     if options.json:
         options.json.write_text(json.dumps(report, indent=1))
-    print_table(collect(report))
+    (print_markdown if options.markdown else print_table)(collect(report))
     print_tails(report)
 
 

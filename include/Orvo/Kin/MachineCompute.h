@@ -35,8 +35,15 @@ struct RotaryDirections;
 /// behind for the next call. A requested direction that holds NaN has no rotary solution.
 ///
 /// An operation that fails returns false and keeps the cause as GetLastError(); a later success
-/// does not reset it. A copy is a second handle on the same calculator, caches and last error
-/// included. The machine must outlive every handle and its tree must not change meanwhile. One
+/// does not reset it.
+///
+/// From call to call a calculator keeps what the values of the axes don't change, and the frames of
+/// the links whose values stayed. No result depends on it: setters of the machine's elements and
+/// links make it void, and it holds for any head, table, registers and position. Its size is linear
+/// in the elements on the ways to the root, at most fourfold for each operation, since four pairs of
+/// head and table are kept. An operation whose keeping gets no memory does without.
+///
+/// A copy is a second handle on the same calculator, what it keeps and the last error included. The machine must outlive every handle and its tree must not change meanwhile. One
 /// thread per calculator; separate calculators of one machine may run at the same time.
 class ORVO_API MachineCompute {
  public:
@@ -95,8 +102,9 @@ class ORVO_API MachineCompute {
   ///   - ComputeErrorNullOutput: frames is null
   ///   - ComputeErrorEmptyPosition: pos holds no value
   /// @par Cost
-  /// One frame product per element. The first call also orders the elements, for the calculator's
-  /// life; later ones allocate nothing while @p frames has room. Deliberate: the size of @p frames
+  /// One frame product for each element below an axis whose value changed since the last call, and a
+  /// copy for each other one. The first call also orders the elements, for the calculator's life;
+  /// later ones allocate nothing while @p frames has room. Deliberate: the size of @p frames
   /// is that of the largest id, 2.7 GB at worst, however few elements there are. Who does not know
   /// the machine asks Machine::GetEntityIdMax() first, or takes ComputePositionEntity().
   bool ComputePositionMachine(const MachinePosition& pos, std::vector<Matrix43>* frames);
@@ -115,6 +123,10 @@ class ORVO_API MachineCompute {
   ///   - ComputeErrorNullOutput: frame is null
   ///   - ComputeErrorNoHeadOrTable: no such head or table
   ///   - what ComputePositionEntity() fails with, for the head and then for the table
+  /// @par Cost
+  /// Linear in the chains to the root; of their frame products only those that follow the first
+  /// axis whose value changed since the last call. Allocates for a head and a table that were not
+  /// among the latest four.
   bool ComputeMcsToToolTcs(const MachinePosition& pos, const HeadIndex& head,
                            const TableIndex& table, const Vector3D& offset, Matrix43* frame);
 
@@ -143,7 +155,9 @@ class ORVO_API MachineCompute {
   ///     none
   ///   - ComputeErrorNotAxis: the register belongs to a head or a table
   /// @par Cost
-  /// Linear in the chains to the root; allocates when the head or the table changes.
+  /// Linear in the chains to the root; of their frame products only those that follow the first
+  /// axis whose value changed since the last call. Allocates for a head, a table and registers that
+  /// were not among the latest four, and for a longer position.
   bool ComputeToolIjkTcsToMcsAbc(const MachinePosition& pos, const HeadIndex& head,
                                  const TableIndex& table, const Vector3D& ijk, const Register& r0,
                                  const Register& r1, RotariesSolution* sol);
@@ -172,7 +186,9 @@ class ORVO_API MachineCompute {
   ///     these registers, the direction of one can't be computed, or (with the output written)
   ///     a value above 0.001 in size would be needed of an axis that is not on the chain
   /// @par Cost
-  /// Linear in the chains to the root; allocates when the head or the table changes.
+  /// Linear in the chains to the root; of their frame products only those that follow the first
+  /// axis whose value changed since the last call. Allocates for a head, a table and registers that
+  /// were not among the latest four, and for a longer position.
   bool ComputeToolTcsToMcsXyz(const MachinePosition& pos, const HeadIndex& head,
                               const TableIndex& table, const Vector3D& offset, const Register& x,
                               const Register& y, const Register& z, const Vector3D& point,
