@@ -1,115 +1,64 @@
 #include "io/AttributeLimit.h"
 
 #include <algorithm>
-#include <string_view>
 
 namespace Orvo {
 
 namespace {
 
-constexpr std::size_t BlockSize = 65536;
-
-// Markup that is not a tag: how it starts, behind the "<", and how it ends. What starts several
-// ways is decided by the longest.
+// Markup that is not a tag: how it starts, and how it ends. What starts several ways is decided by
+// the first of these.
 struct Markup {
   std::string_view start;
   std::string_view end;
 };
 
-constexpr Markup Markups[] = {{"!--", "-->"}, {"![CDATA[", "]]>"}, {"?", "?>"}, {"!", ">"}};
+constexpr Markup Markups[] = {{"<!--", "-->"}, {"<![CDATA[", "]]>"}, {"<?", "?>"}, {"<!", ">"}};
 
-constexpr std::size_t LongestStart = 8;
-constexpr std::size_t LongestEnd = 3;
+// Drops all up to and with an end, or everything where there is none.
+void DropBehind(std::string_view end, std::string_view* text) {
+  const std::size_t place = text->find(end);
+  text->remove_prefix(place == std::string_view::npos ? text->size() : place + end.size());
+}
 
-/// Follows an XML text as far as it takes to count the attributes of its tags.
-class TagWalk {
- public:
-  /// Takes the next character; false once a tag has too many attributes.
-  bool Take(char c) {
-    switch (state_) {
-      case State::Text:
-        if (c == '<') {
-          state_ = State::Start;
-          startLength_ = 0;
-        }
-        return true;
-      case State::Start:
-        return TakeStart(c);
-      case State::Tag:
-        if (c == '>') {
-          state_ = State::Text;
-        } else if (c == '"' || c == '\'') {
-          state_ = State::Value;
-          quote_ = c;
-          return ++attributeNb_ <= LargestAttributeNb;
-        }
-        return true;
-      case State::Value:
-        if (c == quote_) {
-          state_ = State::Tag;
-        }
-        return true;
-      case State::Markup:
-        std::copy(last_ + 1, last_ + LongestEnd, last_);
-        last_[LongestEnd - 1] = c;
-        if (std::string_view(last_, LongestEnd).ends_with(markupEnd_)) {
-          state_ = State::Text;
-        }
-        return true;
+// Drops a tag, without its "<"; false where it has too many attributes.
+bool DropTag(std::string_view* text) {
+  std::size_t attributeNb = 0;
+  while (true) {
+    const std::size_t place = std::min(text->find_first_of(">\"'"), text->size());
+    const std::string_view rest = text->substr(place);
+    text->remove_prefix(std::min(place + 1, text->size()));
+    if (rest.empty() || rest[0] == '>') {
+      return true;
     }
-    return true;
-  }
-
- private:
-  enum class State { Text, Start, Tag, Value, Markup };
-
-  // Collects what stands behind a "<" until it is known what it starts, and takes the rest as that.
-  bool TakeStart(char c) {
-    start_[startLength_++] = c;
-    const std::string_view start(start_, startLength_);
-    for (const Markup& markup : Markups) {
-      if (markup.start.starts_with(start) && markup.start != start) {
-        return true;
-      }
-      if (start.starts_with(markup.start)) {
-        state_ = State::Markup;
-        markupEnd_ = markup.end;
-        std::fill(last_, last_ + LongestEnd, '\0');
-        return TakeAgain(start.substr(markup.start.size()));
-      }
+    if (++attributeNb > LargestAttributeNb) {
+      return false;
     }
-    state_ = State::Tag;
-    attributeNb_ = 0;
-    return TakeAgain(start);
+    DropBehind(rest.substr(0, 1), text);
   }
-
-  bool TakeAgain(std::string_view text) {
-    return std::all_of(text.begin(), text.end(), [this](char c) { return Take(c); });
-  }
-
-  State state_ = State::Text;
-  char start_[LongestStart] = {};
-  std::size_t startLength_ = 0;
-  char quote_ = '"';
-  std::size_t attributeNb_ = 0;
-  std::string_view markupEnd_;
-  char last_[LongestEnd] = {};
-};
+}
 
 }  // namespace
 
-bool IsWithinAttributeLimit(ByteSource* source, std::size_t size) {
-  TagWalk walk;
-  char block[BlockSize];
-  while (size > 0) {
-    const std::size_t wanted = std::min(size, BlockSize);
-    const std::size_t present = source->Read(block, wanted);
-    if (!std::all_of(block, block + present, [&walk](char c) { return walk.Take(c); })) {
-      return false;
+bool IsWithinAttributeLimit(std::string_view text) {
+  while (true) {
+    text.remove_prefix(std::min(text.find('<'), text.size()));
+    if (text.empty()) {
+      return true;
     }
-    size = present < wanted ? 0 : size - present;
+    const Markup* const markup =
+        std::find_if(std::begin(Markups), std::end(Markups),
+                     [text](const Markup& candidate) { return text.starts_with(candidate.start); });
+    if (markup != std::end(Markups)) {
+      text.remove_prefix(markup->start.size());
+      DropBehind(markup->end, &text);
+    } else {
+      text.remove_prefix(1);
+      if (!DropTag(&text)) {
+        return false;
+      }
+    }
   }
-  return !source->HasFailed();
 }
 
 }  // namespace Orvo

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "io/ByteStream.h"
-
 #include <cstddef>
+#include <string_view>
 
 namespace Orvo {
 
@@ -10,10 +9,7 @@ namespace Orvo {
 /// compares each attribute with all before it, so a tag of a hundred thousand would take minutes.
 inline constexpr std::size_t LargestAttributeNb = 1000;
 
-/// Tells whether no tag of an XML text has more attributes than that; false where the text can't be
-/// read. Linear; keeps one block.
-///
-/// @param source  the text; at most @p size bytes of it are read
-bool IsWithinAttributeLimit(ByteSource* source, std::size_t size);
+/// Tells whether no tag of an XML text has more attributes than that. Linear.
+bool IsWithinAttributeLimit(std::string_view text);
 
 }  // namespace Orvo

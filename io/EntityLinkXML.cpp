@@ -5,6 +5,8 @@
 
 #include <Orvo/Kin/EntityLink.h>
 
+#include <string_view>
+
 namespace Orvo::Kin {
 
 bool EntityLink::SerializeXML(XMLWriter& writer, XMLElement* parent) {
@@ -24,21 +26,25 @@ bool EntityLink::SerializeXML(XMLWriter& writer, XMLElement* parent) {
 
 bool EntityLink::DeserializeXML(XMLReader& reader, XMLElement* parent) {
   CountChange();
-  std::wstring word;
-  if (!reader.ReadString(L"Type", word, parent) || !GetEntityLinkTypeFromDict(word, type_) ||
-      !reader.ReadVector3D(L"Center", center_, parent) ||
-      !reader.ReadVector3D(L"Dir", dir_, parent)) {
+  enum { Type, Center, Dir, Position, ZeroRef, RangeMin, RangeMax };
+  static constexpr std::string_view Names[] = {"Type",    "Center",   "Dir",     "Position",
+                                               "ZeroRef", "RangeMin", "RangeMax"};
+  const auto children = FindChildren(reader.View(parent), Names);
+  const std::wstring* const word = reader.ReadWord(children[Type]);
+  if (word == nullptr || !GetEntityLinkTypeFromDict(*word, type_) ||
+      !reader.ReadVector3D(children[Center], center_) ||
+      !reader.ReadVector3D(children[Dir], dir_)) {
     return false;
   }
   dir_.MakeUnit(SmallestLinkDirection);
   Matrix43 position;
-  if (!reader.ReadMatrix43(L"Position", position, parent)) {
+  if (!reader.ReadMatrix43(children[Position], position)) {
     return false;
   }
   position_ = position;
-  return reader.ReadDouble(L"ZeroRef", zeroRef_[0], parent) &&
-         reader.ReadDouble(L"RangeMin", rangeMin_[0], parent) &&
-         reader.ReadDouble(L"RangeMax", rangeMax_[0], parent);
+  return reader.ReadDouble(children[ZeroRef], zeroRef_[0]) &&
+         reader.ReadDouble(children[RangeMin], rangeMin_[0]) &&
+         reader.ReadDouble(children[RangeMax], rangeMax_[0]);
 }
 
 }  // namespace Orvo::Kin

@@ -6,6 +6,7 @@
 #include <Orvo/Kin/Entity.h>
 
 #include <memory>
+#include <string_view>
 
 namespace Orvo::Kin {
 
@@ -13,9 +14,9 @@ namespace {
 
 /// An index type as a number that the reader fills.
 template <typename Index>
-bool ReadIndex(XMLReader& reader, const std::wstring& name, XMLElement* parent, Index* index) {
+bool ReadIndex(const XMLView& element, Index* index) {
   int value = 0;
-  if (!reader.ReadInt(name, value, parent)) {
+  if (!XMLReader::ReadInt(element, value)) {
     return false;
   }
   *index = Index(value);
@@ -49,22 +50,29 @@ bool Entity::SerializeXML(XMLWriter& writer, XMLElement* parent) {
 }
 
 bool Entity::DeserializeXML(XMLReader& reader, XMLElement* parent) {
+  enum { Name, Type, ParallelType, Id, ParentId, Reg, Motor, RangeAxis, Mounting, Link };
+  static constexpr std::string_view Names[] = {"Name",     "Type",      "ParallelType", "Id",
+                                               "ParentId", "Register",  "Motor",        "RangeAxis",
+                                               "Mounting", "EntityLink"};
   EntityImplementation& entity = *implementation_;
-  std::wstring word;
-  if (!reader.ReadString(L"Name", entity.name, parent) ||
-      !reader.ReadString(L"Type", word, parent) ||
-      !GetEntityTypeFromDict(word, entity.entityType) ||
-      !reader.ReadString(L"ParallelType", word, parent) ||
-      !GetEntityParallelTypeFromDict(word, entity.parallelType) ||
-      !ReadIndex(reader, L"Id", parent, &entity.entityId) ||
-      !ReadIndex(reader, L"ParentId", parent, &entity.parentEntityId) ||
-      !ReadIndex(reader, L"Register", parent, &entity.reg) ||
-      !reader.ReadBool(L"Motor", entity.isMotor, parent) ||
-      !reader.ReadBool(L"RangeAxis", entity.checkRangeAxis, parent) ||
-      !reader.ReadBool(L"Mounting", entity.isMounting, parent)) {
+  const auto children = FindChildren(reader.View(parent), Names);
+  if (!reader.ReadString(children[Name], entity.name)) {
     return false;
   }
-  XMLElement* const link = reader.FirstChildElement(L"EntityLink", parent);
+  const std::wstring* word = reader.ReadWord(children[Type]);
+  if (word == nullptr || !GetEntityTypeFromDict(*word, entity.entityType)) {
+    return false;
+  }
+  word = reader.ReadWord(children[ParallelType]);
+  if (word == nullptr || !GetEntityParallelTypeFromDict(*word, entity.parallelType) ||
+      !ReadIndex(children[Id], &entity.entityId) ||
+      !ReadIndex(children[ParentId], &entity.parentEntityId) ||
+      !ReadIndex(children[Reg], &entity.reg) || !reader.ReadBool(children[Motor], entity.isMotor) ||
+      !reader.ReadBool(children[RangeAxis], entity.checkRangeAxis) ||
+      !reader.ReadBool(children[Mounting], entity.isMounting)) {
+    return false;
+  }
+  XMLElement* const link = reader.Wrap(children[Link], parent);
   if (link == nullptr) {
     return false;
   }

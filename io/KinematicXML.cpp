@@ -4,6 +4,8 @@
 
 #include <Orvo/Kin/Kinematic.h>
 
+#include <string>
+
 namespace Orvo::Kin {
 
 bool Kinematic::SerializeXML(XMLWriter& writer, XMLElement* parent) {
@@ -17,8 +19,9 @@ bool Kinematic::SerializeXML(XMLWriter& writer, XMLElement* parent) {
 
 // What was read before a failure stays, the unfinished element included.
 bool Kinematic::DeserializeXML(XMLReader& reader, XMLElement* parent) {
-  for (XMLElement* element = reader.FirstChildElement(L"Entity", parent); element != nullptr;
-       element = reader.NextSiblingElement(L"Entity", element, parent)) {
+  const std::wstring name = L"Entity";
+  for (XMLElement* element = reader.FirstChildElement(name, parent); element != nullptr;
+       element = reader.NextSiblingElement(name, element, parent)) {
     implementation_->entities.emplace_back();
     if (!reader.ReadObject(implementation_->entities.back(), element)) {
       return false;

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <list>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Orvo::Kin {
@@ -41,13 +42,13 @@ void WriteEntityIds(XMLWriter& writer, const std::list<EntityId>& ids, XMLElemen
 
 // Ids stand in one text, separated by spaces and tabs; all are converted before any is used.
 bool ReadEntityIds(XMLReader& reader, XMLElement* parent, std::vector<EntityId>* ids) {
-  std::wstring text;
-  if (!reader.ReadString(L"EntityIds", text, parent)) {
+  std::string_view text;
+  if (!reader.ReadText(FindChild(reader.View(parent), "EntityIds"), text)) {
     return false;
   }
-  const wchar_t* const separators = L" \t";
+  const char* const separators = " \t";
   std::size_t start = text.find_first_not_of(separators);
-  while (start != std::wstring::npos) {
+  while (start != std::string_view::npos) {
     const std::size_t end = std::min(text.find_first_of(separators, start), text.size());
     ids->push_back(EntityId(ParseInt(text.substr(start, end - start))));
     start = text.find_first_not_of(separators, end);

@@ -2,6 +2,7 @@
 
 #include <utf8.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
@@ -108,6 +109,15 @@ std::string ToUtf8(std::wstring_view text) { return EncodeUtf8(text); }
 std::string ToUtf8(std::u16string_view text) { return EncodeUtf8(text); }
 
 std::wstring FromUtf8(std::string_view text) { return DecodeUtf8<std::wstring>(text); }
+
+void AssignFromUtf8(std::string_view text, std::wstring* wide) {
+  if (std::any_of(text.begin(), text.end(), [](char c) { return (c & 0x80) != 0; })) {
+    *wide = FromUtf8(text);
+    return;
+  }
+  wide->resize(text.size());
+  std::copy(text.begin(), text.end(), wide->begin());
+}
 
 std::u16string Utf16FromUtf8(std::string_view text) { return DecodeUtf8<std::u16string>(text); }
 

@@ -12,6 +12,10 @@ namespace Orvo {
 std::string ToUtf8(std::wstring_view text);
 std::wstring FromUtf8(std::string_view text);
 
+/// Writes a text over another one, whose room is used again. Where memory fails, nothing has
+/// changed.
+void AssignFromUtf8(std::string_view text, std::wstring* wide);
+
 // The same for UTF-16 in its own type.
 std::string ToUtf8(std::u16string_view text);
 std::u16string Utf16FromUtf8(std::string_view text);

@@ -6,10 +6,12 @@
 
 #include <deque>
 #include <string>
+#include <string_view>
 
 namespace Orvo {
 
-/// An XML document, with wide text on this side and UTF-8 on the other.
+/// An XML document in the tree of the XML parser, with wide text on this side and UTF-8 on the
+/// other.
 ///
 /// Elements come as wrappers that the document keeps until it goes; a null parent means the
 /// document itself. A document lives for one file operation.
@@ -20,9 +22,12 @@ class XMLDocument {
   XMLDocument& operator=(const XMLDocument&) = delete;
   virtual ~XMLDocument();
 
-  /// Parses a file. False where it can't be opened, is no XML or has a tag of more than 1000
+  /// Parses a file. False where it can't be read whole, is no XML or has a tag of more than 1000
   /// attributes.
   bool LoadFile(const std::wstring& path);
+
+  /// Parses the bytes of a file, as LoadFile() does.
+  bool Parse(std::string_view text);
 
   /// Writes the document to a file, indented. False unless every byte was written.
   bool SaveFile(const std::wstring& path);
@@ -36,19 +41,10 @@ class XMLDocument {
   /// Appends the declaration of version 1.0 and UTF-8.
   void AddDeclaration();
 
-  /// Finds the first child of a name, or null.
-  XMLElement* FirstChildElement(const std::wstring& name, XMLElement* parent);
-
-  /// Finds the first top-level element of a name, or null.
-  XMLElement* RootElement(const std::wstring& name);
-
-  /// Finds the next element of a name behind another one, or null.
-  XMLElement* NextSiblingElement(const std::wstring& name, XMLElement* current, XMLElement* parent);
+  /// The document, to be read.
+  XMLView View() const;
 
  private:
-  XMLElement* Wrap(tinyxml2::XMLElement* element, XMLElement* parent, const std::wstring& name);
-  tinyxml2::XMLNode* Node(XMLElement* element);
-
   tinyxml2::XMLDocument document_;
   std::deque<XMLElement> elements_;
 };

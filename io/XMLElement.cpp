@@ -6,17 +6,21 @@
 
 namespace Orvo {
 
-XMLElement::XMLElement(tinyxml2::XMLElement* element, XMLElement* parent, std::wstring name)
-    : element_(element), parent_(parent), name_(std::move(name)) {}
+XMLElement::XMLElement(tinyxml2::XMLElement* element, XMLElement* parent)
+    : element_(element), view_(element), parent_(parent) {}
+
+XMLElement::XMLElement(const XMLView& view, XMLElement* parent) : view_(view), parent_(parent) {}
 
 XMLElement::~XMLElement() = default;
 
 bool XMLElement::GetAttribute(const std::wstring& name, std::wstring& value) const {
-  const char* const text = element_->Attribute(ToUtf8(name).c_str());
-  if (text == nullptr) {
+  const std::string narrowName = ToUtf8(name);
+  const std::string_view names[] = {narrowName};
+  std::string_view text;
+  if (!view_.Attributes(names, &text)) {
     return false;
   }
-  value = FromUtf8(text);
+  AssignFromUtf8(text, &value);
   return true;
 }
 
@@ -27,10 +31,7 @@ void XMLElement::SetAttributes(
   }
 }
 
-std::wstring XMLElement::GetText() const {
-  const char* const text = element_->GetText();
-  return text == nullptr ? std::wstring() : FromUtf8(text);
-}
+std::wstring XMLElement::GetText() const { return FromUtf8(view_.Text()); }
 
 void XMLElement::SetText(const std::wstring& text) {
   if (element_ != nullptr) {
@@ -41,5 +42,7 @@ void XMLElement::SetText(const std::wstring& text) {
 void XMLElement::SetVersion(int version) {
   SetAttributes({{L"Version", std::to_wstring(version)}});
 }
+
+std::wstring XMLElement::GetName() const { return FromUtf8(view_.Name()); }
 
 }  // namespace Orvo

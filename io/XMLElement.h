@@ -1,5 +1,7 @@
 #pragma once
 
+#include "io/XMLView.h"
+
 #include <string>
 #include <utility>
 #include <vector>
@@ -10,10 +12,12 @@ class XMLElement;
 
 namespace Orvo {
 
-/// An element of an XML document, as the document hands it out. It lives as long as the document.
+/// An element of an XML document, as the document or its reader hands it out. It lives as long as
+/// they do. One that is read from a plain text has no element of the XML parser.
 class XMLElement {
  public:
-  XMLElement(tinyxml2::XMLElement* element, XMLElement* parent, std::wstring name);
+  XMLElement(tinyxml2::XMLElement* element, XMLElement* parent);
+  XMLElement(const XMLView& view, XMLElement* parent);
   XMLElement(const XMLElement&) = delete;
   XMLElement& operator=(const XMLElement&) = delete;
   virtual ~XMLElement();
@@ -34,13 +38,14 @@ class XMLElement {
   void SetVersion(int version);
 
   tinyxml2::XMLElement* GetElement() const { return element_; }
+  const XMLView& View() const { return view_; }
   XMLElement* GetParent() const { return parent_; }
-  const std::wstring& GetName() const { return name_; }
+  std::wstring GetName() const;
 
  private:
-  tinyxml2::XMLElement* element_;
-  XMLElement* parent_;
-  std::wstring name_;
+  tinyxml2::XMLElement* element_ = nullptr;
+  XMLView view_;
+  XMLElement* parent_ = nullptr;
 };
 
 }  // namespace Orvo

@@ -1,6 +1,7 @@
 #include "io/XMLReader.h"
 
 #include "io/NumberParse.h"
+#include "io/Utf8.h"
 
 namespace Orvo {
 
@@ -8,84 +9,149 @@ XMLReader::XMLReader() = default;
 
 XMLReader::~XMLReader() = default;
 
-bool XMLReader::LoadFile(const std::wstring& path) { return document_.LoadFile(path); }
+bool XMLReader::LoadFile(const std::wstring& path) {
+  if (!bytes_.Load(path)) {
+    return false;
+  }
+  isPlain_ = plain_.Parse(bytes_.View());
+  if (isPlain_) {
+    return true;
+  }
+  const bool isParsed = document_.Parse(bytes_.View());
+  bytes_.Release();
+  return isParsed;
+}
 
-XMLElement* XMLReader::RootElement(const std::wstring& name) { return document_.RootElement(name); }
+XMLElement* XMLReader::RootElement(const std::wstring& name) {
+  return FirstChildElement(name, nullptr);
+}
 
 XMLElement* XMLReader::FirstChildElement(const std::wstring& name, XMLElement* parent) {
-  return document_.FirstChildElement(name, parent);
+  return Wrap(Child(name, parent), parent);
 }
 
 XMLElement* XMLReader::NextSiblingElement(const std::wstring& name, XMLElement* current,
                                           XMLElement* parent) {
-  return document_.NextSiblingElement(name, current, parent);
+  const std::string narrowName = ToUtf8(name);
+  XMLView next = current->View().NextSibling();
+  while (!next.IsNull() && !next.HasName(narrowName)) {
+    next = next.NextSibling();
+  }
+  return Wrap(next, parent);
 }
 
-bool XMLReader::ReadString(const std::wstring& name, std::wstring& value, XMLElement* parent) {
-  const XMLElement* const element = FirstChildElement(name, parent);
-  if (element == nullptr) {
+XMLElement* XMLReader::Wrap(const XMLView& view, XMLElement* parent) {
+  return view.IsNull() ? nullptr : &elements_.emplace_back(view, parent);
+}
+
+XMLView XMLReader::View(const XMLElement* element) const {
+  if (element != nullptr) {
+    return element->View();
+  }
+  return isPlain_ ? XMLView(plain_, PlainXml::Document) : document_.View();
+}
+
+XMLView XMLReader::Child(const std::wstring& name, const XMLElement* parent) const {
+  return FindChild(View(parent), ToUtf8(name));
+}
+
+bool XMLReader::ReadText(const XMLView& element, std::string_view& value) {
+  if (element.IsNull()) {
     return false;
   }
-  value = element->GetText();
+  value = element.Text();
   return true;
 }
 
-bool XMLReader::ReadInt(const std::wstring& name, int& value, XMLElement* parent) {
-  std::wstring text;
-  if (!ReadString(name, text, parent)) {
+bool XMLReader::ReadString(const XMLView& element, std::wstring& value) {
+  if (element.IsNull()) {
     return false;
   }
-  value = ParseInt(text);
+  AssignFromUtf8(element.Text(), &value);
   return true;
 }
 
-bool XMLReader::ReadDouble(const std::wstring& name, double& value, XMLElement* parent) {
-  std::wstring text;
-  if (!ReadString(name, text, parent)) {
+const std::wstring* XMLReader::ReadWord(const XMLView& element) {
+  return ReadString(element, word_) ? &word_ : nullptr;
+}
+
+bool XMLReader::ReadInt(const XMLView& element, int& value) {
+  if (element.IsNull()) {
     return false;
   }
-  value = ParseDouble(text);
+  value = ParseInt(element.Text());
   return true;
 }
 
-bool XMLReader::ReadBool(const std::wstring& name, bool& value, XMLElement* parent) {
-  std::wstring text;
-  if (!ReadString(name, text, parent) || (text != L"true" && text != L"false")) {
+bool XMLReader::ReadDouble(const XMLView& element, double& value) {
+  if (element.IsNull()) {
     return false;
   }
-  value = text == L"true";
+  value = ParseDouble(element.Text());
   return true;
 }
 
-bool XMLReader::ReadVector3D(const std::wstring& name, Vector3D& value, XMLElement* parent) {
-  const XMLElement* const element = FirstChildElement(name, parent);
-  std::wstring x;
-  std::wstring y;
-  std::wstring z;
-  if (element == nullptr || !element->GetAttribute(L"X", x) || !element->GetAttribute(L"Y", y) ||
-      !element->GetAttribute(L"Z", z)) {
+bool XMLReader::ReadBool(const XMLView& element, bool& value) {
+  std::string_view text;
+  if (!ReadText(element, text) || (text != "true" && text != "false")) {
+    return false;
+  }
+  value = text == "true";
+  return true;
+}
+
+bool XMLReader::ReadVector3D(const XMLView& element, Vector3D& value) {
+  static constexpr std::string_view Names[] = {"X", "Y", "Z"};
+  std::string_view texts[3];
+  if (element.IsNull() || !element.Attributes(Names, texts)) {
     return false;
   }
   // One after the other, so that the first text that is no number is the one that throws.
-  const double xValue = ParseDouble(x);
-  const double yValue = ParseDouble(y);
-  const double zValue = ParseDouble(z);
-  value.Set(xValue, yValue, zValue);
+  const double x = ParseDouble(texts[0]);
+  const double y = ParseDouble(texts[1]);
+  const double z = ParseDouble(texts[2]);
+  value.Set(x, y, z);
   return true;
 }
 
-bool XMLReader::ReadMatrix43(const std::wstring& name, Matrix43& value, XMLElement* parent) {
-  XMLElement* const element = FirstChildElement(name, parent);
-  Vector3D u;
-  Vector3D v;
-  Vector3D w;
-  Vector3D t;
-  if (element == nullptr || !ReadVector3D(L"U", u, element) || !ReadVector3D(L"V", v, element) ||
-      !ReadVector3D(L"W", w, element) || !ReadVector3D(L"T", t, element)) {
+bool XMLReader::ReadMatrix43(const XMLView& element, Matrix43& value) {
+  static constexpr std::string_view Names[] = {"U", "V", "W", "T"};
+  if (element.IsNull()) {
     return false;
   }
-  value.SetUVWT(u, v, w, t);
+  const auto children = FindChildren(element, Names);
+  Vector3D columns[4];
+  for (std::size_t i = 0; i < 4; ++i) {
+    if (!ReadVector3D(children[i], columns[i])) {
+      return false;
+    }
+  }
+  value.SetUVWT(columns[0], columns[1], columns[2], columns[3]);
   return true;
+}
+
+bool XMLReader::ReadString(const std::wstring& name, std::wstring& value, XMLElement* parent) {
+  return ReadString(Child(name, parent), value);
+}
+
+bool XMLReader::ReadInt(const std::wstring& name, int& value, XMLElement* parent) {
+  return ReadInt(Child(name, parent), value);
+}
+
+bool XMLReader::ReadDouble(const std::wstring& name, double& value, XMLElement* parent) {
+  return ReadDouble(Child(name, parent), value);
+}
+
+bool XMLReader::ReadBool(const std::wstring& name, bool& value, XMLElement* parent) {
+  return ReadBool(Child(name, parent), value);
+}
+
+bool XMLReader::ReadVector3D(const std::wstring& name, Vector3D& value, XMLElement* parent) {
+  return ReadVector3D(Child(name, parent), value);
+}
+
+bool XMLReader::ReadMatrix43(const std::wstring& name, Matrix43& value, XMLElement* parent) {
+  return ReadMatrix43(Child(name, parent), value);
 }
 
 bool XMLReader::ReadObject(ISerializableXML& object, XMLElement* parent) {

@@ -149,7 +149,7 @@ TEST(XMLWriter, SecondTextIsAppended) {
 }
 
 TEST(XMLWriter, TextOfAWrapperWithoutElementIsDropped) {
-  XMLElement nothing(nullptr, nullptr, L"Nothing");
+  XMLElement nothing(nullptr, nullptr);
   nothing.SetText(L"text");
   EXPECT_EQ(nothing.GetElement(), nullptr);
 }
