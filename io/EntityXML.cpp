@@ -50,10 +50,10 @@ bool Entity::SerializeXML(XMLWriter& writer, XMLElement* parent) {
 }
 
 bool Entity::DeserializeXML(XMLReader& reader, XMLElement* parent) {
-  enum { Name, Type, ParallelType, Id, ParentId, Reg, Motor, RangeAxis, Mounting, Link };
-  static constexpr std::string_view Names[] = {"Name",     "Type",      "ParallelType", "Id",
-                                               "ParentId", "Register",  "Motor",        "RangeAxis",
-                                               "Mounting", "EntityLink"};
+  enum { Name, Type, ParallelType, Id, ParentId, Reg, Motor, RangeAxis, Mounting, Link, Meshes };
+  static constexpr std::string_view Names[] = {
+      "Name",  "Type",      "ParallelType", "Id",         "ParentId", "Register",
+      "Motor", "RangeAxis", "Mounting",     "EntityLink", "Meshes"};
   EntityImplementation& entity = *implementation_;
   const auto children = FindChildren(reader.View(parent), Names);
   if (!reader.ReadString(children[Name], entity.name)) {
@@ -72,13 +72,15 @@ bool Entity::DeserializeXML(XMLReader& reader, XMLElement* parent) {
       !reader.ReadBool(children[Mounting], entity.isMounting)) {
     return false;
   }
-  XMLElement* const link = reader.Wrap(children[Link], parent);
-  if (link == nullptr) {
+  if (children[Link].IsNull()) {
     return false;
   }
   // Deliberate: a link that is not whole keeps what was read of it, and the element counts.
-  reader.ReadObject(entity.link, link);
-  DeserializeXML_Meshes(reader, parent);
+  XMLElement link(children[Link], parent);
+  reader.ReadObject(entity.link, &link);
+  if (!children[Meshes].IsNull()) {
+    DeserializeXML_Meshes(reader, parent);
+  }
   return true;
 }
 
@@ -97,14 +99,16 @@ void Entity::SerializeXML_Meshes(XMLWriter& writer, XMLElement* parent) {
 
 // The file holds a color for each mesh; the geometry stands in files of its own.
 void Entity::DeserializeXML_Meshes(XMLReader& reader, XMLElement* parent) {
-  XMLElement* const meshes = reader.FirstChildElement(L"Meshes", parent);
-  if (meshes == nullptr) {
+  const XMLView meshes = FindChild(reader.View(parent), "Meshes");
+  if (meshes.IsNull()) {
     return;
   }
-  for (XMLElement* mesh = reader.FirstChildElement(L"Mesh", meshes); mesh != nullptr;
-       mesh = reader.NextSiblingElement(L"Mesh", mesh, meshes)) {
+  for (XMLView mesh = meshes.FirstChild(); !mesh.IsNull(); mesh = mesh.NextSibling()) {
+    if (!mesh.HasName("Mesh")) {
+      continue;
+    }
     int color = 0;
-    if (!reader.ReadInt(L"RGB", color, mesh)) {
+    if (!reader.ReadInt(FindChild(mesh, "RGB"), color)) {
       return;
     }
     auto emptyMesh = std::make_unique<Mesh>();

@@ -4,8 +4,6 @@
 
 #include <Orvo/Kin/Kinematic.h>
 
-#include <string>
-
 namespace Orvo::Kin {
 
 bool Kinematic::SerializeXML(XMLWriter& writer, XMLElement* parent) {
@@ -19,12 +17,14 @@ bool Kinematic::SerializeXML(XMLWriter& writer, XMLElement* parent) {
 
 // What was read before a failure stays, the unfinished element included.
 bool Kinematic::DeserializeXML(XMLReader& reader, XMLElement* parent) {
-  const std::wstring name = L"Entity";
-  for (XMLElement* element = reader.FirstChildElement(name, parent); element != nullptr;
-       element = reader.NextSiblingElement(name, element, parent)) {
-    implementation_->entities.emplace_back();
-    if (!reader.ReadObject(implementation_->entities.back(), element)) {
-      return false;
+  for (XMLView child = reader.View(parent).FirstChild(); !child.IsNull();
+       child = child.NextSibling()) {
+    if (child.HasName("Entity")) {
+      implementation_->entities.emplace_back();
+      XMLElement element(child, parent);
+      if (!reader.ReadObject(implementation_->entities.back(), &element)) {
+        return false;
+      }
     }
   }
   return true;

@@ -19,16 +19,33 @@ constexpr int LargestPlace = 16777215;
 
 constexpr int SmallestLinearAxesNb = 3;
 
+/// What the assembly asks of an element. Elements lie all over the memory; their data side by side
+/// spare going there for every question.
+struct ElementData {
+  explicit ElementData(Entity* given)
+      : entity(given),
+        type(given->GetEntityType()),
+        id(given->GetEntityId().GetVal()),
+        parentId(given->GetParentEntityId().GetVal()),
+        reg(given->GetRegister().GetVal()) {}
+
+  Entity* entity;
+  EntityType type;
+  int id;
+  int parentId;
+  int reg;
+};
+
 struct Extent {
   int entityIdMax = -1;
   int registerMax = 0;
 };
 
-Extent MeasureExtent(const std::list<Entity>& entities) {
+Extent MeasureExtent(const std::vector<ElementData>& elements) {
   Extent extent;
-  for (const Entity& entity : entities) {
-    extent.entityIdMax = std::max(extent.entityIdMax, entity.GetEntityId().GetVal());
-    extent.registerMax = std::max(extent.registerMax, entity.GetRegister().GetVal());
+  for (const ElementData& element : elements) {
+    extent.entityIdMax = std::max(extent.entityIdMax, element.id);
+    extent.registerMax = std::max(extent.registerMax, element.reg);
   }
   if (extent.entityIdMax > LargestPlace) {
     throw std::length_error("Machine::Finish : identifier out of range");
@@ -40,24 +57,22 @@ Extent MeasureExtent(const std::list<Entity>& entities) {
 }
 
 // Places the elements at their ids or registers; of equal ones the last in the list stays.
-template <typename GetPlace>
-PlaceTable MakeTable(const std::list<Entity>& entities, int size, bool isVector,
-                     GetPlace getPlace) {
+PlaceTable MakeTable(const std::vector<ElementData>& elements, int size, bool isVector,
+                     int ElementData::*place) {
   PlaceTable table(static_cast<std::size_t>(size), isVector);
-  for (const Entity& entity : entities) {
-    const int place = getPlace(entity);
-    if (place >= 0) {
-      table.Set(static_cast<std::size_t>(place), &entity);
+  for (const ElementData& element : elements) {
+    if (element.*place >= 0) {
+      table.Set(static_cast<std::size_t>(element.*place), element.entity);
     }
   }
   return table;
 }
 
-EntityTable CollectType(const std::list<Entity>& entities, EntityType type) {
+EntityTable CollectType(const std::vector<ElementData>& elements, EntityType type) {
   EntityTable table;
-  for (const Entity& entity : entities) {
-    if (entity.GetEntityType() == type) {
-      table.push_back(&entity);
+  for (const ElementData& element : elements) {
+    if (element.type == type) {
+      table.push_back(element.entity);
     }
   }
   return table;
@@ -110,23 +125,24 @@ bool Machine::Finish() {
   std::list<Entity>& entities = store.entities;
 
   // Everything that may throw comes first; the machine changes only after it.
-  const Extent extent = MeasureExtent(entities);
+  std::vector<ElementData> elements;
+  elements.reserve(entities.size());
+  for (Entity& entity : entities) {
+    elements.emplace_back(&entity);
+  }
+  const Extent extent = MeasureExtent(elements);
   PlaceTable byEntityId =
-      MakeTable(entities, extent.entityIdMax + 1, store.byEntityId.IsVector(),
-                [](const Entity& entity) { return entity.GetEntityId().GetVal(); });
+      MakeTable(elements, extent.entityIdMax + 1, store.byEntityId.IsVector(), &ElementData::id);
   PlaceTable byRegister =
-      MakeTable(entities, extent.registerMax + 1, store.byRegister.IsVector(),
-                [](const Entity& entity) { return entity.GetRegister().GetVal(); });
-  EntityTable tables = CollectType(entities, EntityTypeTable);
-  EntityTable heads = CollectType(entities, EntityTypeHead);
+      MakeTable(elements, extent.registerMax + 1, store.byRegister.IsVector(), &ElementData::reg);
+  EntityTable tables = CollectType(elements, EntityTypeTable);
+  EntityTable heads = CollectType(elements, EntityTypeHead);
   std::list<ProgramSystem> defaultProgramSystem;
   if (programSystems_->empty() && !tables.empty() && !heads.empty()) {
     defaultProgramSystem.push_back(MakeDefaultProgramSystem(entities));
   }
-  std::vector<Entity*> byPlace;
-  byPlace.reserve(entities.size());
-  std::vector<int> parents(entities.size());
-  std::vector<int> levels(entities.size());
+  std::vector<int> parents(elements.size());
+  std::vector<int> levels(elements.size());
 
   entityNb_ = static_cast<int>(entities.size());
   entityIdMax_ = EntityId(extent.entityIdMax);
@@ -140,21 +156,21 @@ bool Machine::Finish() {
   programSystems_->splice(programSystems_->end(), defaultProgramSystem);
 
   // Until the levels are known, each element's level holds its place in the list.
-  for (Entity& entity : entities) {
-    entity.SetLevel(static_cast<int>(byPlace.size()));
-    byPlace.push_back(&entity);
+  for (std::size_t i = 0; i < elements.size(); ++i) {
+    elements[i].entity->SetLevel(static_cast<int>(i));
   }
-  for (std::size_t i = 0; i < byPlace.size(); ++i) {
-    const Entity* const parent = kinematic_.GetEntity(byPlace[i]->GetParentEntityId());
+  for (std::size_t i = 0; i < elements.size(); ++i) {
+    const Entity* const parent = store.byEntityId.At(elements[i].parentId);
     parents[i] = parent == nullptr ? NoPlace : parent->GetLevel();
   }
   hasParentCycle_ = CutParentCycles(&parents, &levels);
   CountAncestors(parents, &levels);
-  for (std::size_t i = 0; i < byPlace.size(); ++i) {
-    byPlace[i]->SetParentEntity(
-        parents[i] == NoPlace ? nullptr : byPlace[static_cast<std::size_t>(parents[i])]);
-    byPlace[i]->SetLevel(levels[i]);
-    byPlace[i]->CountChangesIn(&store.changeNb);
+  for (std::size_t i = 0; i < elements.size(); ++i) {
+    Entity& entity = *elements[i].entity;
+    entity.SetParentEntity(
+        parents[i] == NoPlace ? nullptr : elements[static_cast<std::size_t>(parents[i])].entity);
+    entity.SetLevel(levels[i]);
+    entity.CountChangesIn(&store.changeNb);
   }
   ++store.changeNb;
 
