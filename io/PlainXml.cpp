@@ -298,13 +298,4 @@ bool PlainXml::Attributes(Place place, std::span<const std::string_view> names,
   return foundNb == names.size();
 }
 
-std::vector<PlainXml::Attribute> PlainXml::AllAttributes(Place place) const {
-  std::vector<Attribute> attributes;
-  for (const char* p = SkipSpace(NameEnd(place)); *p != '>' && *p != '/';) {
-    Attribute& attribute = attributes.emplace_back();
-    p = TakeAttribute(p, &attribute.name, &attribute.value);
-  }
-  return attributes;
-}
-
 }  // namespace Orvo

@@ -52,14 +52,6 @@ class PlainXml {
   bool Attributes(Place place, std::span<const std::string_view> names,
                   std::string_view* values) const;
 
-  struct Attribute {
-    std::string_view name;
-    std::string_view value;
-  };
-
-  /// All attributes of an element, in their order.
-  std::vector<Attribute> AllAttributes(Place place) const;
-
  private:
   struct Element {
     std::uint32_t name = 0;  // where it starts in the text

@@ -10,6 +10,8 @@
 
 #include <clocale>
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
 #include <string>
 
 namespace {
@@ -31,8 +33,8 @@ locale_t __wrap_newlocale(int categories, const char* name, locale_t base) {
 namespace Orvo::Testing {
 namespace {
 
-// The first number that a process reads asks for the locale of all numbers. Where there is no
-// memory for it, the next one asks again.
+// The first number that takes the C library to read asks for the locale of all such numbers. Where
+// there is no memory for it, the next one asks again.
 int ReadWithoutLocale(const std::wstring& path) {
   isLocaleRefused = true;
   Kin::Machine machine;
@@ -43,9 +45,15 @@ int ReadWithoutLocale(const std::wstring& path) {
 }
 
 TEST(LocaleFault, MissingLocaleThrowsAndIsAskedForAgain) {
-  // In a process that has read no number yet.
+  // In a process that has read no such number yet.
   GTEST_FLAG_SET(death_test_style, "threadsafe");
-  const std::wstring path = TemporaryFolder::ToWide(ExampleMachineFile("trunnion_ac"));
+  const TemporaryFolder folder;
+  std::ifstream example(ExampleMachineFile("trunnion_ac"), std::ios::binary);
+  std::string text(std::istreambuf_iterator<char>(example), {});
+  const std::string number = "\"0.000000\"";
+  text.replace(text.find(number), number.size(), "\"0e0\"");
+  folder.Write("machine.xml", text);
+  const std::wstring path = folder.Wide("machine.xml");
   EXPECT_EXIT(std::_Exit(ReadWithoutLocale(path)), testing::ExitedWithCode(0), "");
   CountFault("read a machine file", "memory: no locale", FaultEnding::Threw);
 }

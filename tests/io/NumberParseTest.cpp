@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <cfenv>
 #include <clocale>
 #include <cmath>
 #include <cstdint>
@@ -14,6 +15,7 @@
 #include <limits>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 namespace Orvo::Testing {
 namespace {
@@ -222,6 +224,118 @@ TEST(NumberParse, AgreesWithTheCLibraryOnNumbersOfAllSizes) {
     std::swprintf(text, 512, L"%lld", static_cast<long long>(bits) >> random.Integer(0, 60));
     ASSERT_TRUE(IntAgrees(text));
   }
+}
+
+// Texts of digits and a point, which are converted by a way of their own, and those next to them.
+TEST(NumberParse, AgreesWithTheCLibraryOnShortDecimals) {
+  TestRandom random;
+  SCOPED_TRACE(random.Trace());
+  for (int i = 0; i < 300000; ++i) {
+    std::wstring text;
+    const int length = random.Integer(1, random.Chance(0.7) ? 10 : 24);
+    const int point = random.Integer(-4, length);
+    for (int k = 0; k < length; ++k) {
+      text += k == point ? L'.' : static_cast<wchar_t>(L'0' + random.Integer(0, 9));
+    }
+    if (random.Chance(0.3)) {
+      text.insert(0, 1, random.Chance(0.8) ? L'-' : L'+');
+    }
+    if (random.Chance(0.1)) {
+      const wchar_t* const tails[] = {L"e3", L"e", L"x1", L" ", L".", L"-", L"mm", L"\u0663", L","};
+      text += tails[random.Integer(0, 8)];
+    }
+    ASSERT_TRUE(DoubleAgrees(text));
+    ASSERT_TRUE(IntAgrees(text));
+  }
+}
+
+TEST(NumberParse, ShortDecimalsHaveTheNearestDouble) {
+  for (const wchar_t* const text : {L"0",
+                                    L"-0",
+                                    L"0.0",
+                                    L"-0.000000",
+                                    L".5",
+                                    L"-.5",
+                                    L"5.",
+                                    L"-5.",
+                                    L"00000000000000000001",
+                                    L"0000000000000000000.5",
+                                    L"9007199254740991",
+                                    L"9007199254740992",
+                                    L"9007199254740993",
+                                    L"-9007199254740993",
+                                    L"900719925474099.3",
+                                    L"9.007199254740993",
+                                    L".9007199254740993",
+                                    L"0.9007199254740993",
+                                    L"0.000000000000000001",
+                                    L"0.0000000000000000001",
+                                    L"0.00000000000000000001",
+                                    L"1844674407370955161",
+                                    L"18446744073709551615",
+                                    L"18446744073709551616",
+                                    L"9999999999999999999",
+                                    L"99999999999999999999",
+                                    L"0.1",
+                                    L"0.3",
+                                    L"123456.789012",
+                                    L"1.7976931348623157",
+                                    L".",
+                                    L"-",
+                                    L"-.",
+                                    L"--1",
+                                    L"-+1",
+                                    L"+1",
+                                    L"+-1",
+                                    L"1.2.3",
+                                    L"..1",
+                                    L" 1",
+                                    L"1 ",
+                                    L"0x10",
+                                    L"0x",
+                                    L"1e1",
+                                    L"1e",
+                                    L"1f",
+                                    L"inf",
+                                    L"nan"}) {
+    EXPECT_TRUE(DoubleAgrees(text)) << std::string(text, text + std::wcslen(text));
+  }
+}
+
+// The C library rounds as the process does, and so does the way of short decimals.
+TEST(NumberParse, AgreesWithTheCLibraryInEveryRounding) {
+  TestRandom random;
+  SCOPED_TRACE(random.Trace());
+  for (const int rounding : {FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO}) {
+    ASSERT_EQ(std::fesetround(rounding), 0);
+    bool agrees = true;
+    std::wstring text;
+    for (int i = 0; i < 20000 && agrees; ++i) {
+      text = std::to_wstring(random.Integer(-99999999, 99999999));
+      text.insert(text.size() - static_cast<std::size_t>(random.Integer(0, 1)), 1, L'.');
+      agrees = static_cast<bool>(DoubleAgrees(text));
+      text += std::to_wstring(random.Integer(0, 9999999));
+      agrees = agrees && DoubleAgrees(text);
+    }
+    std::fesetround(FE_TONEAREST);
+    EXPECT_TRUE(agrees) << std::string(text.begin(), text.end());
+  }
+}
+
+// Bytes and wide characters are read alike.
+TEST(NumberParse, BytesThatAreNotAsciiEndTheNumber) {
+  EXPECT_EQ(ParseDouble(std::string_view("1.5\xC3\xA9")), 1.5);
+  EXPECT_EQ(ParseDouble(std::string_view("15e1\xFF")), 150.0);
+  EXPECT_EQ(ParseInt(std::string_view("15\xC3\xA9")), 15);
+  EXPECT_THROW(ParseDouble(std::string_view("\xC2\xA0"
+                                            "1")),
+               std::invalid_argument);
+  EXPECT_THROW(ParseInt(std::string_view("\xC2\xA0"
+                                         "1")),
+               std::invalid_argument);
+  EXPECT_EQ(ParseDouble(std::string_view("1.52", 3)), 1.5) << "only the bytes that are given";
+  EXPECT_EQ(ParseDouble(std::string_view("1e12", 3)), 10.0);
+  EXPECT_EQ(ParseInt(std::string_view("12", 1)), 1);
 }
 
 TEST(NumberParse, LongTextsAreRead) {
