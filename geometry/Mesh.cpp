@@ -1,3 +1,5 @@
+#include "geometry/MeshAccess.h"
+
 #include <Orvo/Mesh.h>
 
 #include <algorithm>
@@ -97,6 +99,26 @@ void* Mesh::Alloc(unsigned int n, unsigned int elementSize) {
   array->previous = std::move(newestArray_);
   newestArray_ = std::move(array);
   return newestArray_->elements;
+}
+
+MeshAccess::Triangles MeshAccess::AllocTriangles(Mesh* mesh, unsigned int triangleNb) {
+  constexpr unsigned int VectorNb = 4;  // three vertices and a normal
+  constexpr unsigned int NumberNb = 7;  // three indices of each, and the count of vertices
+  constexpr unsigned int Size = VectorNb * sizeof(Vector3D) + NumberNb * sizeof(unsigned int);
+  const std::size_t n = triangleNb;
+  auto* const vectors = static_cast<Vector3D*>(mesh->Alloc(triangleNb, Size));
+  auto* const numbers = reinterpret_cast<unsigned int*>(vectors + VectorNb * n);
+  mesh->vertices_ = vectors;
+  mesh->normals_ = vectors + 3 * n;
+  mesh->iVertex_ = numbers;
+  mesh->iNormal_ = numbers + 3 * n;
+  mesh->nVerts_ = numbers + 6 * n;
+  mesh->dimVertices_ = 3 * triangleNb;
+  mesh->dimNormals_ = triangleNb;
+  mesh->dimIVertex_ = 3 * triangleNb;
+  mesh->dimINormal_ = 3 * triangleNb;
+  mesh->dimNVerts_ = triangleNb;
+  return {mesh->nVerts_, mesh->iVertex_, mesh->vertices_, mesh->iNormal_, mesh->normals_};
 }
 
 }  // namespace Orvo

@@ -1,5 +1,7 @@
 #include "io/StlCodec.h"
 
+#include "geometry/MeshAccess.h"
+
 #include <algorithm>
 #include <bit>
 #include <cstddef>
@@ -47,32 +49,17 @@ void StorePoint(const Vector3D& point, unsigned char* bytes) {
   }
 }
 
-/// The arrays of a mesh of separate triangles, to be filled.
-struct TriangleArrays {
-  TriangleArrays(Mesh* mesh, unsigned int triangleNb)
-      : nVerts(mesh->AllocTabNVerts(triangleNb)),
-        iVertex(mesh->AllocTabIVertex(3 * triangleNb)),
-        vertices(mesh->AllocTabVertices(3 * triangleNb)),
-        iNormal(mesh->AllocTabINormal(3 * triangleNb)),
-        normals(mesh->AllocTabNormals(triangleNb)) {}
-
-  void Set(std::uint32_t triangle, const unsigned char* record) {
-    nVerts[triangle] = 3;
-    normals[triangle] = LoadPoint(record);
-    for (std::uint32_t corner = 0; corner < 3; ++corner) {
-      const std::uint32_t place = 3 * triangle + corner;
-      iVertex[place] = place;
-      iNormal[place] = triangle;
-      vertices[place] = LoadPoint(record + 12 * (corner + 1));
-    }
+void SetTriangle(const MeshAccess::Triangles& triangles, std::uint32_t triangle,
+                 const unsigned char* record) {
+  triangles.nVerts[triangle] = 3;
+  triangles.normals[triangle] = LoadPoint(record);
+  for (std::uint32_t corner = 0; corner < 3; ++corner) {
+    const std::uint32_t place = 3 * triangle + corner;
+    triangles.iVertex[place] = place;
+    triangles.iNormal[place] = triangle;
+    triangles.vertices[place] = LoadPoint(record + 12 * (corner + 1));
   }
-
-  unsigned int* nVerts;
-  unsigned int* iVertex;
-  Vector3D* vertices;
-  unsigned int* iNormal;
-  Vector3D* normals;
-};
+}
 
 /// Collects bytes and hands them on in blocks.
 class BlockWriter {
@@ -149,7 +136,7 @@ bool DecodeStl(ByteSource* source, Mesh* mesh) {
   }
   // A copy, so that arrays that were handed out stay alive with the mesh.
   Mesh read(*mesh);
-  TriangleArrays arrays(&read, triangleNb);
+  const MeshAccess::Triangles triangles = MeshAccess::AllocTriangles(&read, triangleNb);
   unsigned char block[BlockSize];
   std::uint32_t triangle = 0;
   bool isAtEnd = false;
@@ -161,7 +148,7 @@ bool DecodeStl(ByteSource* source, Mesh* mesh) {
     // The last record may lack its attribute.
     const std::size_t recordNb = (present + AttributeSize) / RecordSize;
     for (std::size_t i = 0; i < recordNb; ++i, ++triangle) {
-      arrays.Set(triangle, block + i * RecordSize);
+      SetTriangle(triangles, triangle, block + i * RecordSize);
     }
   }
   if (source->HasFailed()) {
@@ -199,10 +186,13 @@ bool EncodeStl(const Mesh& mesh, ByteSink* sink) {
     }
     ++triangleNb;
   }
+  if (!blocks.Flush() || !sink->Seek(CountOffset)) {
+    return false;
+  }
   // Smaller faces were counted in the header and left out since.
   unsigned char count[4];
   StoreU32(triangleNb, count);
-  return blocks.Flush() && sink->Seek(CountOffset) && sink->Write(count, sizeof count);
+  return triangleNb == mesh.GetDimNVerts() || sink->Write(count, sizeof count);
 }
 
 }  // namespace Orvo

@@ -61,6 +61,7 @@ class ORVO_API Mesh {
   /// @}
 
  private:
+  friend struct MeshAccess;
   void* Alloc(unsigned int n, unsigned int elementSize);
 
   std::shared_ptr<MeshArray> newestArray_;

@@ -379,7 +379,14 @@ TEST(EncodeStl, TrianglesAreWrittenInBlocksAndEachMayFail) {
   }
   TextSink sink(150084);
   EXPECT_TRUE(EncodeStl(mesh, &sink));
-  EXPECT_EQ(sink.writeNb, 5) << "the header, three blocks, and the count again";
+  EXPECT_EQ(sink.writeNb, 4) << "the header and three blocks";
+  parts.nVerts.push_back(2);
+  parts.iVertex.resize(9002);
+  parts.iNormal.resize(9002);
+  TextSink withSmallerFace;
+  EXPECT_TRUE(EncodeStl(MakeMesh(parts), &withSmallerFace));
+  EXPECT_EQ(withSmallerFace.writeNb, 5) << "the header, three blocks, and the count again";
+  EXPECT_EQ(withSmallerFace.text, sink.text);
 }
 
 }  // namespace
