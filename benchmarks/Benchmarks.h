@@ -19,8 +19,9 @@ void RegisterSolutions(const std::vector<Subject>& subjects);
 /// The spread of W1 to W4 from call to call.
 void RegisterTails(const std::vector<Subject>& subjects);
 
-/// W5: making a machine ready, from its elements to its tables. W6: reading it from a file.
-void RegisterFiles();
+/// W5: making a machine ready, from its elements to its tables. W6: reading it from a file. Besides
+/// the given machines, wide and deep ones of up to 100,000 elements.
+void RegisterFiles(const std::vector<Subject>& subjects);
 
 /// W7: binary STL of a million triangles.
 void RegisterMeshes();

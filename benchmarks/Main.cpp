@@ -54,7 +54,7 @@ int main(int argc, char** argv) {
     RegisterForward(subjects);
     RegisterSolutions(subjects);
     RegisterTails(subjects);
-    RegisterFiles();
+    RegisterFiles(subjects);
     RegisterMeshes();
     benchmark::RunSpecifiedBenchmarks();
   } catch (const std::exception& e) {
