@@ -21,11 +21,17 @@ void DropBehind(std::string_view end, std::string_view* text) {
   text->remove_prefix(place == std::string_view::npos ? text->size() : place + end.size());
 }
 
+// Tells whether a character ends what stands in a tag besides values: the tag, or by a value.
+bool EndsName(char c) { return c == '>' || c == '"' || c == '\''; }
+
 // Drops a tag, without its "<"; false where it has too many attributes.
 bool DropTag(std::string_view* text) {
   std::size_t attributeNb = 0;
   while (true) {
-    const std::size_t place = std::min(text->find_first_of(">\"'"), text->size());
+    std::size_t place = 0;
+    while (place < text->size() && !EndsName((*text)[place])) {
+      ++place;
+    }
     const std::string_view rest = text->substr(place);
     text->remove_prefix(std::min(place + 1, text->size()));
     if (rest.empty() || rest[0] == '>') {

@@ -42,8 +42,9 @@ void WriteEntityIds(XMLWriter& writer, const std::list<EntityId>& ids, XMLElemen
 
 // Ids stand in one text, separated by spaces and tabs; all are converted before any is used.
 bool ReadEntityIds(XMLReader& reader, XMLElement* parent, std::vector<EntityId>* ids) {
+  std::string room;
   std::string_view text;
-  if (!reader.ReadText(FindChild(reader.View(parent), "EntityIds"), text)) {
+  if (!reader.ReadText(FindChild(reader.View(parent), "EntityIds"), text, &room)) {
     return false;
   }
   const char* const separators = " \t";

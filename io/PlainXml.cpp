@@ -1,5 +1,6 @@
 #include "io/PlainXml.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <limits>
@@ -93,6 +94,38 @@ const char* SkipBehind(const char* p, const char* textEnd, std::string_view end)
     return nullptr;
   }
   return p + length + end.size();
+}
+
+struct Reference {
+  std::string_view text;
+  char character;
+};
+
+constexpr Reference References[] = {
+    {"&amp;", '&'}, {"&lt;", '<'}, {"&gt;", '>'}, {"&quot;", '"'}, {"&apos;", '\''}};
+
+// The reference at an "&"; null where there is none of these.
+const Reference* FindReference(const char* p) {
+  for (const Reference& reference : References) {
+    if (std::strncmp(p, reference.text.data(), reference.text.size()) == 0) {
+      return &reference;
+    }
+  }
+  return nullptr;
+}
+
+// Puts a text together that holds no other references.
+void AppendResolved(std::string_view text, std::string* resolved) {
+  while (!text.empty()) {
+    const std::size_t length = std::min(text.find('&'), text.size());
+    resolved->append(text.substr(0, length));
+    text.remove_prefix(length);
+    if (!text.empty()) {
+      const Reference& reference = *FindReference(text.data());
+      *resolved += reference.character;
+      text.remove_prefix(reference.text.size());
+    }
+  }
 }
 
 // Takes the attributes of a tag; returns where the tag ends, null where they aren't plain.
@@ -231,6 +264,13 @@ bool PlainXml::Parse(std::string_view text) {
       // White space alone is no text, and so may hold what a text may not.
       const char* const behindSpace = SkipSpace(p);
       p = *behindSpace == '<' ? behindSpace : SkipTo(p, TextStop);
+      for (; *p == '&'; p = SkipTo(p, TextStop)) {
+        const Reference* const reference = FindReference(p);
+        if (reference == nullptr) {
+          return false;
+        }
+        p += reference->text.size();
+      }
       if (*p != '<') {
         return false;
       }
@@ -261,7 +301,7 @@ const char* PlainXml::NameEnd(Place place) const {
   return SkipName(text_.data() + elements_[place].name);
 }
 
-std::string_view PlainXml::Text(Place place) const {
+std::string_view PlainXml::Text(Place place, std::string* room) const {
   const char* p = SkipSpace(NameEnd(place));
   std::string_view name;
   std::string_view value;
@@ -272,8 +312,17 @@ std::string_view PlainXml::Text(Place place) const {
     return {};
   }
   ++p;
-  const char* const textStart = SkipSpace(p);
-  return *textStart == '<' ? std::string_view() : Between(p, SkipTo(textStart, TextStop));
+  const char* textEnd = SkipSpace(p);
+  if (*textEnd == '<') {
+    return {};
+  }
+  textEnd = SkipTo(textEnd, TextStop);
+  if (*textEnd == '<') {
+    return Between(p, textEnd);
+  }
+  room->clear();
+  AppendResolved(Between(p, std::strchr(textEnd, '<')), room);
+  return *room;
 }
 
 bool PlainXml::Attributes(Place place, std::span<const std::string_view> names,

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -14,7 +15,8 @@ namespace Orvo {
 /// Plain is a text whose meaning leaves no doubt: one root element with elements, attributes and
 /// text of any bytes below it, in front of it a byte order mark and a declaration if there are any,
 /// and comments. A text is not plain, though it may be XML, that holds
-///   - an "&", a NUL, or a carriage return in a text or a value;
+///   - a reference other than &amp; &lt; &gt; &quot; and &apos; or one in a value;
+///   - a NUL, or a carriage return in a text or a value;
 ///   - markup that is none of these: CDATA, a document type, a second declaration;
 ///   - names of other characters than ASCII letters, digits, "_", "-" and ".";
 ///   - white space behind a "<", around a "=" or in an end tag, or none before an attribute;
@@ -46,7 +48,8 @@ class PlainXml {
 
   /// The text in front of the first element in an element; empty where there is none but white
   /// space.
-  std::string_view Text(Place place) const;
+  /// @param room  where a text with references is put together
+  std::string_view Text(Place place, std::string* room) const;
 
   /// Finds the values of attributes by their names; false where one of them is absent.
   bool Attributes(Place place, std::span<const std::string_view> names,

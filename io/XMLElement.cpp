@@ -31,7 +31,10 @@ void XMLElement::SetAttributes(
   }
 }
 
-std::wstring XMLElement::GetText() const { return FromUtf8(view_.Text()); }
+std::wstring XMLElement::GetText() const {
+  std::string room;
+  return FromUtf8(view_.Text(&room));
+}
 
 void XMLElement::SetText(const std::wstring& text) {
   if (element_ != nullptr) {

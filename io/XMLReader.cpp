@@ -55,11 +55,11 @@ XMLView XMLReader::Child(const std::wstring& name, const XMLElement* parent) con
   return FindChild(View(parent), ToUtf8(name));
 }
 
-bool XMLReader::ReadText(const XMLView& element, std::string_view& value) {
+bool XMLReader::ReadText(const XMLView& element, std::string_view& value, std::string* room) {
   if (element.IsNull()) {
     return false;
   }
-  value = element.Text();
+  value = element.Text(room);
   return true;
 }
 
@@ -67,7 +67,8 @@ bool XMLReader::ReadString(const XMLView& element, std::wstring& value) {
   if (element.IsNull()) {
     return false;
   }
-  AssignFromUtf8(element.Text(), &value);
+  std::string room;
+  AssignFromUtf8(element.Text(&room), &value);
   return true;
 }
 
@@ -79,7 +80,8 @@ bool XMLReader::ReadInt(const XMLView& element, int& value) {
   if (element.IsNull()) {
     return false;
   }
-  value = ParseInt(element.Text());
+  std::string room;
+  value = ParseInt(element.Text(&room));
   return true;
 }
 
@@ -87,13 +89,15 @@ bool XMLReader::ReadDouble(const XMLView& element, double& value) {
   if (element.IsNull()) {
     return false;
   }
-  value = ParseDouble(element.Text());
+  std::string room;
+  value = ParseDouble(element.Text(&room));
   return true;
 }
 
 bool XMLReader::ReadBool(const XMLView& element, bool& value) {
+  std::string room;
   std::string_view text;
-  if (!ReadText(element, text) || (text != "true" && text != "false")) {
+  if (!ReadText(element, text, &room) || (text != "true" && text != "false")) {
     return false;
   }
   value = text == "true";

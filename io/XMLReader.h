@@ -44,7 +44,7 @@ class XMLReader {
   XMLView View(const XMLElement* element) const;
 
   // These read an element itself, and fail where there is none.
-  static bool ReadText(const XMLView& element, std::string_view& value);
+  static bool ReadText(const XMLView& element, std::string_view& value, std::string* room);
   static bool ReadString(const XMLView& element, std::wstring& value);
   static bool ReadInt(const XMLView& element, int& value);
   static bool ReadDouble(const XMLView& element, double& value);

@@ -2,11 +2,19 @@
 
 #include <tinyxml2.h>
 
+#include <cstring>
+
 namespace Orvo {
 
 namespace {
 
-const tinyxml2::XMLElement& AsElement(const tinyxml2::XMLNode& node) { return *node.ToElement(); }
+const tinyxml2::XMLElement& AsElement(const tinyxml2::XMLNode& node) {
+  return static_cast<const tinyxml2::XMLElement&>(node);
+}
+
+bool IsSame(const char* text, std::string_view other) {
+  return std::strncmp(text, other.data(), other.size()) == 0 && text[other.size()] == '\0';
+}
 
 }  // namespace
 
@@ -23,12 +31,12 @@ std::string_view XMLView::Name() const {
 }
 
 bool XMLView::HasName(std::string_view name) const {
-  return plain_ != nullptr ? plain_->HasName(place_, name) : AsElement(*node_).Name() == name;
+  return plain_ != nullptr ? plain_->HasName(place_, name) : IsSame(AsElement(*node_).Name(), name);
 }
 
-std::string_view XMLView::Text() const {
+std::string_view XMLView::Text(std::string* room) const {
   if (plain_ != nullptr) {
-    return plain_->Text(place_);
+    return plain_->Text(place_, room);
   }
   const char* const text = AsElement(*node_).GetText();
   return text == nullptr ? std::string_view() : std::string_view(text);
@@ -41,7 +49,7 @@ bool XMLView::Attributes(std::span<const std::string_view> names, std::string_vi
   const tinyxml2::XMLElement& element = AsElement(*node_);
   for (std::size_t i = 0; i < names.size(); ++i) {
     const tinyxml2::XMLAttribute* attribute = element.FirstAttribute();
-    while (attribute != nullptr && attribute->Name() != names[i]) {
+    while (attribute != nullptr && !IsSame(attribute->Name(), names[i])) {
       attribute = attribute->Next();
     }
     if (attribute == nullptr) {

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <span>
+#include <string>
 #include <string_view>
 
 namespace tinyxml2 {
@@ -36,7 +37,8 @@ class XMLView {
   bool HasName(std::string_view name) const;
 
   /// The text in front of all else; empty where there is none.
-  std::string_view Text() const;
+  /// @param room  where a text may be put together, which then lives there
+  std::string_view Text(std::string* room) const;
 
   /// Finds the values of attributes by their names; false where one of them is absent.
   bool Attributes(std::span<const std::string_view> names, std::string_view* values) const;

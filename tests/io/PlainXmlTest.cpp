@@ -20,7 +20,8 @@ constexpr std::string_view AttributeNames[] = {"a", "b", "X", "no"};
 std::string Describe(const XMLView& view, bool isDocument) {
   std::string text;
   if (!isDocument) {
-    text = std::string(view.Name()) + '[' + std::string(view.Text()) + ']';
+    std::string room = "old";
+    text = std::string(view.Name()) + '[' + std::string(view.Text(&room)) + ']';
     for (const std::string_view name : AttributeNames) {
       std::string_view value;
       if (view.Attributes({&name, 1}, &value)) {
@@ -137,6 +138,9 @@ TEST(PlainXml, PlainTextsMeanWhatTheParserSays) {
       "<a>></a>",
       "<a>\"'=</a>",
       "<a>\xC3\xA9\xFF\x80</a>",
+      "<a>&lt;b&gt; &amp; &quot;&apos;</a>",
+      "<a> &amp;amp;&amp; <b>&lt;</b>&gt;</a>",
+      "<a>\n &lt;</a>",
       "<a a='1' b=\"2\"/>",
       "<a a='\"' b=\"'\"/>",
       "<a a='<b/>' b='>'/>",
@@ -189,8 +193,14 @@ TEST(PlainXml, OtherTextsAreLeftToTheParser) {
       "text<a/>",
       "<a/></a>",
       "<a><b></a></b>",
-      "<a>&lt;</a>",
       "<a>&</a>",
+      "<a>&lt</a>",
+      "<a>&LT;</a>",
+      "<a>&#65;</a>",
+      "<a>&#x41;</a>",
+      "<a>&amp;&nbsp;</a>",
+      "<a>&amp;\r</a>",
+      "<a>&am</a>",
       "<a a='&amp;'/>",
       "<a>x\ry</a>",
       "<a>\r\ntext</a>",
@@ -329,10 +339,18 @@ class TextDraw {
   }
 
   std::string_view Piece() {
-    static constexpr std::string_view Choices[] = {
-        "\n        ", "text",          " ",        "\r\n",     "1.5",  "<!-- c -->", "&lt;",
-        "&#65;",      "<![CDATA[c]]>", "<!-->-->", "\xC3\xA9", "a\rb", "<!x>",       "<?x?>",
-        "]]>",        "<!--<b/>-->",   "  text  ", "x>y",      "&",    "=\"'",       "<b/>"};
+    static constexpr std::string_view Choices[] = {"\n        ",  "text",
+                                                   " ",           "\r\n",
+                                                   "1.5",         "<!-- c -->",
+                                                   "&lt;",        "&#65;",
+                                                   "&amp;x",      "&apos;&quot;&gt;",
+                                                   "&amp",        "<![CDATA[c]]>",
+                                                   "<!-->-->",    "\xC3\xA9",
+                                                   "a\rb",        "<!x>",
+                                                   "<?x?>",       "]]>",
+                                                   "<!--<b/>-->", "  text  ",
+                                                   "x>y",         "&",
+                                                   "=\"'",        "<b/>"};
     return OneOf(Choices);
   }
 
