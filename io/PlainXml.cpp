@@ -96,6 +96,15 @@ const char* SkipBehind(const char* p, const char* textEnd, std::string_view end)
   return p + length + end.size();
 }
 
+// Compares names. They are so short that a call for it would take longer.
+bool IsSame(std::string_view a, std::string_view b) {
+  bool isSame = a.size() == b.size();
+  for (std::size_t i = 0; isSame && i < a.size(); ++i) {
+    isSame = a[i] == b[i];
+  }
+  return isSame;
+}
+
 struct Reference {
   std::string_view text;
   char character;
@@ -143,7 +152,7 @@ const char* SkipAttributes(const char* p) {
     p = SkipName(name);
     const std::string_view thisName = Between(name, p);
     for (std::size_t i = 0; i < nameNb; ++i) {
-      if (names[i] == thisName) {
+      if (IsSame(names[i], thisName)) {
         return nullptr;
       }
     }
@@ -288,9 +297,14 @@ PlainXml::Place PlainXml::NextSibling(Place place) const {
 }
 
 bool PlainXml::HasName(Place place, std::string_view name) const {
-  const std::size_t start = elements_[place].name;
-  return text_.substr(start, name.size()) == name &&
-         !Is(text_.data()[start + name.size()], NamePart);
+  const char* const start = text_.data() + elements_[place].name;
+  // What differs ends the loop, at the latest the NUL behind the text.
+  for (std::size_t i = 0; i < name.size(); ++i) {
+    if (start[i] != name[i]) {
+      return false;
+    }
+  }
+  return !Is(start[name.size()], NamePart);
 }
 
 std::string_view PlainXml::Name(Place place) const {
@@ -336,7 +350,7 @@ bool PlainXml::Attributes(Place place, std::span<const std::string_view> names,
     p = TakeAttribute(p, &name, &value);
     for (std::size_t i = 0; i < names.size(); ++i) {
       const std::size_t candidate = (expected + i) % names.size();
-      if (names[candidate] == name) {
+      if (IsSame(names[candidate], name)) {
         values[candidate] = value;
         ++foundNb;
         expected = candidate + 1;
