@@ -381,12 +381,12 @@ class TextDraw {
 
   // Drops, doubles or replaces a few bytes.
   void Change(std::string* text) {
-    static constexpr std::string_view Bytes("<>/='\" ab&!-?[]\n\r\t\0\xEF.", 24);
+    static constexpr char Bytes[] = "<>/='\" ab&!-?[]\n\r\t\0\xEF.";
     const auto place =
         static_cast<std::size_t>(random_->Integer(0, static_cast<int>(text->size()) - 1));
     const auto length = static_cast<std::size_t>(random_->Integer(0, 2));
     const char byte =
-        Bytes[static_cast<std::size_t>(random_->Integer(0, static_cast<int>(Bytes.size()) - 1))];
+        Bytes[static_cast<std::size_t>(random_->Integer(0, static_cast<int>(sizeof Bytes) - 2))];
     switch (random_->Integer(0, 3)) {
       case 0:
         text->erase(place, length);
