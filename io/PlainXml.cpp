@@ -9,8 +9,8 @@ namespace Orvo {
 
 namespace {
 
-constexpr std::size_t LargestDepth = 32;
-constexpr std::size_t LargestAttributeNb = 16;
+constexpr std::size_t LargestPlainDepth = 32;
+constexpr std::size_t LargestPlainAttributeNb = 16;
 constexpr std::uint32_t HasChild = 0x80000000;
 
 // Elements of an indented machine file take some 46 bytes.
@@ -139,14 +139,14 @@ void AppendResolved(std::string_view text, std::string* resolved) {
 
 // Takes the attributes of a tag; returns where the tag ends, null where they aren't plain.
 const char* SkipAttributes(const char* p) {
-  std::string_view names[LargestAttributeNb];
+  std::string_view names[LargestPlainAttributeNb];
   std::size_t nameNb = 0;
   while (*p != '>' && *p != '/') {
     const char* const name = SkipSpace(p);
     if (*name == '>' || *name == '/') {
       return name;
     }
-    if (name == p || !Is(*name, NameStart) || nameNb == LargestAttributeNb) {
+    if (name == p || !Is(*name, NameStart) || nameNb == LargestPlainAttributeNb) {
       return nullptr;
     }
     p = SkipName(name);
@@ -219,8 +219,8 @@ bool PlainXml::Parse(std::string_view text) {
 
   elements_.reserve(text.size() / BytesPerElement + 1);
   elements_.push_back({});
-  Place open[LargestDepth + 1] = {Document};
-  Place last[LargestDepth + 1] = {Document};  // the last child so far of each open element
+  Place open[LargestPlainDepth + 1] = {Document};
+  Place last[LargestPlainDepth + 1] = {Document};  // the last child so far of each open element
   std::size_t depth = 0;
   do {
     if (p[1] == '/') {
@@ -250,7 +250,7 @@ bool PlainXml::Parse(std::string_view text) {
         return false;
       }
       if (*p == '>') {
-        if (depth == LargestDepth) {
+        if (depth == LargestPlainDepth) {
           return false;
         }
         ++depth;
