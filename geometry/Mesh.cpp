@@ -104,9 +104,10 @@ void* Mesh::Alloc(unsigned int n, unsigned int elementSize) {
 MeshAccess::Triangles MeshAccess::AllocTriangles(Mesh* mesh, unsigned int triangleNb) {
   constexpr unsigned int VectorNb = 4;  // three vertices and a normal
   constexpr unsigned int NumberNb = 7;  // three indices of each, and the count of vertices
-  constexpr unsigned int Size = VectorNb * sizeof(Vector3D) + NumberNb * sizeof(unsigned int);
+  constexpr unsigned int TriangleSize =
+      VectorNb * sizeof(Vector3D) + NumberNb * sizeof(unsigned int);
   const std::size_t n = triangleNb;
-  auto* const vectors = static_cast<Vector3D*>(mesh->Alloc(triangleNb, Size));
+  auto* const vectors = static_cast<Vector3D*>(mesh->Alloc(triangleNb, TriangleSize));
   auto* const numbers = reinterpret_cast<unsigned int*>(vectors + VectorNb * n);
   mesh->vertices_ = vectors;
   mesh->normals_ = vectors + 3 * n;

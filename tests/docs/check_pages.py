@@ -25,7 +25,9 @@ QUOTE = re.compile(r"^<!-- (\S+) -->\n\n```(\w+)\n(.*?)^```$", re.MULTILINE | re
 NO_THRESHOLDS = {
     "Pi", "TwoPi", "FullTurnDeg",  # what a turn is
     "DirectionSignCount", "FixedTextCapacity", "Unseen", "NoPlace",  # sizes and marks in memory
-    "BlockSize", "LongestStart", "LongestEnd", "RecordsPerBlock",
+    "BlockSize", "FirstBlockSize", "BytesPerElement", "RecordsPerBlock",
+    "Padding", "HasChild", "MostDigits", "VectorNb", "NumberNb", "TriangleSize",
+    "LargestPlainAttributeNb", "LargestPlainDepth",  # beyond them the other way is taken
     "HeaderSize", "CountOffset", "RecordSize", "AttributeSize", "FileVersion",  # layouts of files
     "LargestTriangleNb", "NoNumberCharacter", "Replacement", "LargestCodePoint",
 }
