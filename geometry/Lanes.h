@@ -50,14 +50,24 @@ inline Lanes Divide(const Lanes& a, double divisor) {
   return {_mm_div_pd(a.xy, d), _mm_div_pd(a.zw, d)};
 }
 
+/// Returns a where all bits of the mask are set, b where none is.
+///
+/// Processors' own maximum and minimum differ in what they make of NaN and of zeros of two signs;
+/// this gives the same bits on each.
+inline __m128d Choose(const __m128d& mask, const __m128d& a, const __m128d& b) {
+  return _mm_or_pd(_mm_and_pd(mask, a), _mm_andnot_pd(mask, b));
+}
+
 /// Returns b where b is strictly larger, else a.
 inline Lanes Larger(const Lanes& a, const Lanes& b) {
-  return {_mm_max_pd(b.xy, a.xy), _mm_max_pd(b.zw, a.zw)};
+  return {Choose(_mm_cmpgt_pd(b.xy, a.xy), b.xy, a.xy),
+          Choose(_mm_cmpgt_pd(b.zw, a.zw), b.zw, a.zw)};
 }
 
 /// Returns b where b is strictly smaller, else a.
 inline Lanes Smaller(const Lanes& a, const Lanes& b) {
-  return {_mm_min_pd(b.xy, a.xy), _mm_min_pd(b.zw, a.zw)};
+  return {Choose(_mm_cmplt_pd(b.xy, a.xy), b.xy, a.xy),
+          Choose(_mm_cmplt_pd(b.zw, a.zw), b.zw, a.zw)};
 }
 
 }  // namespace Orvo
