@@ -12,7 +12,7 @@
 #else
 #define ORVO_API __declspec(dllimport)
 #endif
-#elif defined(__GNUC__)
+#elif defined(__GNUC__) && !defined(_WIN32)
 #define ORVO_API __attribute__((visibility("default")))
 #else
 #define ORVO_API

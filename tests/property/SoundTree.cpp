@@ -31,7 +31,7 @@ class TreeBuilder {
         dir = Reference::Negated(dir);
       }
       ElementPlan axis = Named(L"XYZ", Reference::Axis, -1);
-      axis.name = std::wstring(1, static_cast<wchar_t>(L'X' + column));
+      axis.name = std::wstring(1, static_cast<wchar_t>(static_cast<int>(L'X') + column));
       axis.links.push_back(LinearStep(dir));
       SetRange(&axis, draw.Uniform(-900.0, 0.0), draw.Uniform(0.0, 900.0));
       AddZero(&axis);

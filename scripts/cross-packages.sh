@@ -1,0 +1,67 @@
+#!/bin/sh
+# Provides, for a build for another platform, the packages that the build needs: tinyxml2 and
+# GoogleTest compiled for it, and the packages that are headers alone. They go to
+# build/cross/<target>, where the presets arm64 and mingw look for them. Run ./setup.sh --cross
+# first. Does nothing where everything is there already.
+#
+#   scripts/cross-packages.sh aarch64-linux-gnu | x86_64-w64-mingw32
+set -eu
+cd "$(dirname "$0")/.."
+
+target=${1:?which target? aarch64-linux-gnu or x86_64-w64-mingw32}
+toolchain=$PWD/cmake/toolchains/$target.cmake
+if [ ! -f "$toolchain" ]; then
+  echo "cross-packages.sh: no toolchain file $toolchain" >&2
+  exit 2
+fi
+
+prefix=$PWD/build/cross/$target
+# The mark holds the place, as the packages name it.
+if [ -f "$prefix/complete" ] && [ "$(cat "$prefix/complete")" = "$prefix" ]; then
+  exit 0
+fi
+rm -rf "$prefix"
+mkdir -p "$prefix/include" "$prefix/lib/cmake/utf8cpp" "$prefix/lib/cmake/CLI11"
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+# Builds one package and installs it; its output is shown only when it fails.
+install_package() {
+  source=$1
+  shift
+  if ! {
+    cmake -S "$source" -B "$work/$(basename "$source")" -G Ninja -DCMAKE_BUILD_TYPE=Release \
+      -DCMAKE_TOOLCHAIN_FILE="$toolchain" -DCMAKE_INSTALL_PREFIX="$prefix" \
+      -DCMAKE_INSTALL_LIBDIR=lib "$@" &&
+      cmake --build "$work/$(basename "$source")" --target install
+  } >"$work/log" 2>&1; then
+    cat "$work/log" >&2
+    echo "cross-packages.sh: $source could not be built for $target" >&2
+    exit 1
+  fi
+}
+
+# On Linux tinyxml2 is a shared library of the system. On Windows it becomes a part of orvo.dll.
+shared=ON
+case "$target" in *mingw32) shared=OFF ;; esac
+install_package /usr/local/src/orvo-tinyxml2 -DBUILD_SHARED_LIBS=$shared -DBUILD_TESTING=OFF
+install_package /usr/src/googletest -DBUILD_SHARED_LIBS=OFF
+
+for headers in utf8cpp CLI simde; do
+  cp -r "/usr/include/$headers" "$prefix/include/"
+done
+cat >"$prefix/lib/cmake/utf8cpp/utf8cppConfig.cmake" <<'END'
+if(NOT TARGET utf8cpp)
+  add_library(utf8cpp INTERFACE IMPORTED)
+  set_target_properties(utf8cpp PROPERTIES INTERFACE_INCLUDE_DIRECTORIES
+                                           "${CMAKE_CURRENT_LIST_DIR}/../../../include/utf8cpp")
+endif()
+END
+cat >"$prefix/lib/cmake/CLI11/CLI11Config.cmake" <<'END'
+if(NOT TARGET CLI11::CLI11)
+  add_library(CLI11::CLI11 INTERFACE IMPORTED)
+  set_target_properties(CLI11::CLI11 PROPERTIES INTERFACE_INCLUDE_DIRECTORIES
+                                                "${CMAKE_CURRENT_LIST_DIR}/../../../include")
+endif()
+END
+printf '%s\n' "$prefix" >"$prefix/complete"
