@@ -1,5 +1,9 @@
 #include "io/NumberParse.h"
 
+#if defined(__MINGW32__)
+#include "io/NumberScan.h"
+#endif
+
 #include <algorithm>
 #include <cerrno>
 #include <cfloat>
@@ -74,7 +78,18 @@ bool ParseShort(std::string_view text, double* value) {
   return true;
 }
 
-#if defined(_WIN32)
+#if defined(__MINGW32__)
+using Locale = const char*;
+
+Locale MakeClassicLocale() { return "C"; }
+
+double ParseIn(Locale /*locale*/, const char* text, char** end) {
+  const char* scanned = nullptr;
+  const double value = ScanDouble(text, &scanned);
+  *end = const_cast<char*>(scanned);
+  return value;
+}
+#elif defined(_WIN32)
 using Locale = _locale_t;
 
 Locale MakeClassicLocale() { return _create_locale(LC_ALL, "C"); }

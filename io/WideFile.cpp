@@ -8,9 +8,7 @@ namespace {
 
 #if defined(_WIN32)
 std::FILE* Open(const std::wstring& path, WideFile::Mode mode) {
-  const wchar_t* const flags = mode == WideFile::Mode::Read    ? L"rb"
-                               : mode == WideFile::Mode::Write ? L"wb"
-                                                               : L"w";
+  const wchar_t* const flags = mode == WideFile::Mode::Read ? L"rb" : L"wb";
   std::FILE* file = nullptr;
   return _wfopen_s(&file, path.c_str(), flags) == 0 ? file : nullptr;
 }

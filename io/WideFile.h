@@ -10,7 +10,7 @@ namespace Orvo {
 /// A file with a wide-character name, owned. Off Windows the name is UTF-8 on disk.
 class WideFile : public ByteSource, public ByteSink {
  public:
-  enum class Mode { Read, Write, WriteText };
+  enum class Mode { Read, Write };
 
   /// Opens a file. A name that holds a NUL opens nothing.
   WideFile(const std::wstring& path, Mode mode);

@@ -24,7 +24,7 @@ bool XMLDocument::Parse(std::string_view text) {
 // The stream is ours: the parser would leave its own open when memory fails, and would not see a
 // full disk.
 bool XMLDocument::SaveFile(const std::wstring& path) {
-  WideFile file(path, WideFile::Mode::WriteText);
+  WideFile file(path, WideFile::Mode::Write);
   return file.IsOpen() && document_.SaveFile(file.Stream(), false) == tinyxml2::XML_SUCCESS &&
          file.Close();
 }

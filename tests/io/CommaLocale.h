@@ -29,7 +29,9 @@ class CommaLocale {
       throw std::runtime_error("no locale with a comma");
     }
 #else
-    std::setlocale(LC_NUMERIC, "de-DE");
+    if (std::setlocale(LC_NUMERIC, "de-DE") == nullptr) {
+      std::setlocale(LC_NUMERIC, "German");
+    }
 #endif
   }
   CommaLocale(const CommaLocale&) = delete;

@@ -20,6 +20,10 @@
 namespace Orvo::Testing {
 namespace {
 
+// The C library of MinGW leaves out hexadecimal, infinite and undefined numbers, and takes other
+// characters for white space; the random texts of NumberScanTest.cpp do for it.
+#if !defined(__MINGW32__)
+
 // What a conversion gives: a value, or one of two failures.
 struct Parsed {
   enum Kind { Value, NoNumber, OutOfRange } kind = Value;
@@ -85,6 +89,8 @@ testing::AssertionResult DoubleAgrees(const std::wstring& text) {
 testing::AssertionResult IntAgrees(const std::wstring& text) {
   return SameOutcome(Outcome([&] { return ParseInt(text); }), ByWcstoll(text), text);
 }
+
+#endif
 
 TEST(ParseDouble, ReadsTheNumberThatStartsTheText) {
   struct Case {
@@ -191,6 +197,8 @@ TEST(ParseInt, NumbersOutsideIntThrow) {
     }
   }
 }
+
+#if !defined(__MINGW32__)
 
 // Random texts of the characters that numbers are made of, against the C library.
 TEST(NumberParse, AgreesWithTheCLibraryOnRandomTexts) {
@@ -321,6 +329,8 @@ TEST(NumberParse, AgreesWithTheCLibraryInEveryRounding) {
     EXPECT_TRUE(agrees) << std::string(text.begin(), text.end());
   }
 }
+
+#endif
 
 // Bytes and wide characters are read alike.
 TEST(NumberParse, BytesThatAreNotAsciiEndTheNumber) {
