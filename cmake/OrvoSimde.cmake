@@ -1,7 +1,7 @@
 # Pairs of doubles are part of the interface. The compilers for x86 have them; elsewhere the headers of
 # SIMDe supply them, for this build and for every program that uses the library.
 #
-# ORVO_NEEDS_SIMDE says whether this is such a place, ORVO_SIMDE_INCLUDE_DIR where the headers are.
+# ORVO_NEEDS_SIMDE says whether this is such a place. There, the target Orvo::Simde has the headers.
 
 include(CheckCXXSourceCompiles)
 check_cxx_source_compiles(
@@ -18,5 +18,8 @@ if(NOT ORVO_HAS_SSE2)
     ORVO_SIMDE_INCLUDE_DIR simde/x86/sse2.h REQUIRED
     DOC "Folder of the headers of SIMDe")
   mark_as_advanced(ORVO_SIMDE_INCLUDE_DIR)
-  target_include_directories(orvo_flags SYSTEM INTERFACE ${ORVO_SIMDE_INCLUDE_DIR})
+  add_library(Orvo::Simde INTERFACE IMPORTED GLOBAL)
+  set_target_properties(Orvo::Simde PROPERTIES INTERFACE_INCLUDE_DIRECTORIES
+                                               ${ORVO_SIMDE_INCLUDE_DIR})
+  target_link_libraries(orvo_flags INTERFACE Orvo::Simde)
 endif()

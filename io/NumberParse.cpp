@@ -78,23 +78,21 @@ bool ParseShort(std::string_view text, double* value) {
   return true;
 }
 
+#if defined(_WIN32)
+using Locale = _locale_t;
+
+Locale MakeClassicLocale() { return _create_locale(LC_ALL, "C"); }
+
 #if defined(__MINGW32__)
-using Locale = const char*;
-
-Locale MakeClassicLocale() { return "C"; }
-
 double ParseIn(Locale /*locale*/, const char* text, char** end) {
   const char* scanned = nullptr;
   const double value = ScanDouble(text, &scanned);
   *end = const_cast<char*>(scanned);
   return value;
 }
-#elif defined(_WIN32)
-using Locale = _locale_t;
-
-Locale MakeClassicLocale() { return _create_locale(LC_ALL, "C"); }
-
+#else
 double ParseIn(Locale locale, const char* text, char** end) { return _strtod_l(text, end, locale); }
+#endif
 #else
 using Locale = locale_t;
 

@@ -81,6 +81,13 @@ TEST(ScanDouble, SaysOverflowAndUnderflow) {
   EXPECT_TRUE(SameBits(Scan("0x1.8p-1030").value, 0x1.8p-1030));
 }
 
+TEST(ScanDouble, ReadsLongTexts) {
+  const std::string digits(100000, '0');
+  EXPECT_TRUE(SameBits(Scan("1." + digits + "1").value, 1.0));
+  EXPECT_EQ(Scan("1." + digits + "1").length, 100003);
+  EXPECT_TRUE(Scan("1" + digits).isOutOfRange);
+}
+
 // Against the C library where that is known to read all forms.
 #if defined(__GLIBC__)
 testing::AssertionResult AgreesWithStrtod(const std::string& text) {
