@@ -1,5 +1,6 @@
 # What `cmake --install` lays down: the library, its headers, the CMake package Orvo and the
-# pkg-config module orvo. All paths in them are relative, so the tree can be moved afterwards.
+# pkg-config module orvo. All paths in them are relative, so the tree can be moved afterwards. The
+# components are those of the Debian packages.
 
 include(CMakePackageConfigHelpers)
 
@@ -8,24 +9,30 @@ set(config_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Orvo)
 install(
   TARGETS orvo
   EXPORT OrvoTargets
-  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+          COMPONENT runtime
+          NAMELINK_COMPONENT development
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
 install(
   DIRECTORY ${PROJECT_SOURCE_DIR}/include/Orvo ${PROJECT_BINARY_DIR}/include/Orvo
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+  COMPONENT development
   FILES_MATCHING
   PATTERN "*.h")
 install(
   EXPORT OrvoTargets
   NAMESPACE Orvo::
-  DESTINATION ${config_dir})
+  DESTINATION ${config_dir}
+  COMPONENT development)
 
 configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/OrvoConfig.cmake.in OrvoConfig.cmake
                               INSTALL_DESTINATION ${config_dir})
 write_basic_package_version_file(OrvoConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/OrvoConfig.cmake
-              ${CMAKE_CURRENT_BINARY_DIR}/OrvoConfigVersion.cmake DESTINATION ${config_dir})
+              ${CMAKE_CURRENT_BINARY_DIR}/OrvoConfigVersion.cmake
+        DESTINATION ${config_dir}
+        COMPONENT development)
 
 # The module's prefix is where its file lies, some levels up: the number of levels depends on the
 # name of the library folder.
@@ -41,4 +48,6 @@ else()
   set(ORVO_PC_LIBS_PRIVATE "-lstdc++")
 endif()
 configure_file(${PROJECT_SOURCE_DIR}/cmake/orvo.pc.in orvo.pc @ONLY)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/orvo.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/orvo.pc
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
+        COMPONENT development)

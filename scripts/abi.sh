@@ -11,7 +11,7 @@ cd "$(dirname "$0")/.."
 
 recorded=abi/liborvo.abi
 build=build/abi
-options=(--suppressions abi/liborvo.abignore --drop-private-types --exported-interfaces-only)
+options=(--suppressions abi/liborvo.abignore --exported-interfaces-only)
 
 for tool in abidw abidiff; do
   if ! command -v "$tool" >/dev/null; then
@@ -37,8 +37,8 @@ if ! {
 fi
 library=$build/liborvo.so
 
-abidw "${options[@]}" --headers-dir include/Orvo --no-show-locs --no-corpus-path \
-  --no-comp-dir-path --no-elf-needed --no-parameter-names --type-id-style hash \
+abidw "${options[@]}" --headers-dir include/Orvo --drop-private-types --no-show-locs \
+  --no-corpus-path --no-comp-dir-path --no-elf-needed --no-parameter-names --type-id-style hash \
   --out-file "$build/dump" "$library"
 # Where the sources lie is no matter of the interface.
 sed -E "s|(<abi-instr .*path=')[^']*/([a-z]+/[A-Za-z0-9]+\.cpp')|\1\2|" "$build/dump" \
@@ -55,8 +55,8 @@ recorded_name=$(soname "$recorded")
 today_name=$(objdump -p "$library" | sed -n 's/^ *SONAME *//p')
 
 status=0
-abidiff "${options[@]}" --headers-dir2 include/Orvo --no-added-syms "$recorded" "$library" \
-  >"$log" 2>&1 || status=$?
+abidiff "${options[@]}" --no-added-syms "$recorded" "$build/liborvo.abi" >"$log" 2>&1 ||
+  status=$?
 # Bits of the status: 1 and 2 are faults of the call, 4 is a change, 8 one that breaks for sure.
 if [ $((status & 3)) -ne 0 ]; then
   cat "$log" >&2
