@@ -9,7 +9,7 @@ namespace Orvo::Kin {
 bool EntityMesh::AddCadStlBin(const std::wstring& fileName, unsigned int color) {
   auto emptyMesh = std::make_unique<Mesh>();
   AddMesh(emptyMesh.get(), color);
-  emptyMesh.release();
+  static_cast<void>(emptyMesh.release());
   return ReadCadStlBin(fileName, static_cast<int>(GetMeshNb()) - 1);
 }
 

@@ -113,7 +113,7 @@ void Entity::DeserializeXML_Meshes(XMLReader& reader, XMLElement* parent) {
     }
     auto emptyMesh = std::make_unique<Mesh>();
     AllocEntityMesh()->AddMesh(emptyMesh.get(), static_cast<unsigned int>(color));
-    emptyMesh.release();
+    static_cast<void>(emptyMesh.release());
   }
 }
 

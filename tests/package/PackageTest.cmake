@@ -1,13 +1,15 @@
 # One step of the package tests: cmake -DSTEP=... -D... -P PackageTest.cmake
 #
-# install           installs the build tree BUILD_DIR and moves the result to PREFIX build
-# configures SOURCE_DIR in BUILD_DIR with OPTIONS, builds, installs to PREFIX inspect checks what
-# lies in PREFIX find_package      builds and runs the consumer against PREFIX in the language
-# version STANDARD pkg_config        the same by COMPILER alone, with what pkg-config says to
-# PKG_CONFIG_FLAGS add_subdirectory  builds and runs a project that holds SOURCE_DIR as a folder,
-# with OPTIONS
+# - install: installs the build tree BUILD_DIR and moves the result to PREFIX
+# - build: configures SOURCE_DIR in BUILD_DIR with OPTIONS, builds, installs to PREFIX
+# - inspect: checks what lies in PREFIX
+# - find_package: builds and runs the consumer against PREFIX in the language version STANDARD
+# - pkg_config: the same by COMPILER alone, with what pkg-config says to PKG_CONFIG_FLAGS; the module
+#   must ask for REQUIRES_PRIVATE
+# - add_subdirectory, fetch_content: builds and runs a project that has SOURCE_DIR as a folder, or
+#   fetches it, with OPTIONS; with SPACES, by a path with spaces in its name
 #
-# The last three work in WORK_DIR. OPTIONS are separated by spaces.
+# The last four work in WORK_DIR. OPTIONS are separated by spaces.
 
 cmake_minimum_required(VERSION 3.25)
 
@@ -127,6 +129,7 @@ elseif(STEP STREQUAL "find_package")
       -DCMAKE_CXX_COMPILER=${COMPILER}
       -DCMAKE_PREFIX_PATH=${PREFIX}
       -DCONSUMER_STANDARD=${STANDARD}
+      -DCONSUMER_WANTS_VERSION=${VERSION}
       -DCMAKE_FIND_USE_PACKAGE_REGISTRY=OFF)
   run(${CMAKE_COMMAND} --build ${WORK_DIR})
   check_consumer(${WORK_DIR}/consumer)
@@ -143,6 +146,13 @@ elseif(STEP STREQUAL "pkg_config")
   if(NOT version STREQUAL VERSION)
     message(FATAL_ERROR "pkg-config says ${version} and not ${VERSION}")
   endif()
+  execute_process(
+    COMMAND pkg-config --print-requires-private orvo
+    OUTPUT_VARIABLE requires_private
+    OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+  if(NOT requires_private STREQUAL "${REQUIRES_PRIVATE}")
+    message(FATAL_ERROR "the module asks for '${requires_private}' and not '${REQUIRES_PRIVATE}'")
+  endif()
   execute_process(COMMAND pkg-config ${PKG_CONFIG_FLAGS} --cflags --libs orvo
                   OUTPUT_VARIABLE flags COMMAND_ERROR_IS_FATAL ANY)
   separate_arguments(flags UNIX_COMMAND "${flags}")
@@ -155,11 +165,17 @@ elseif(STEP STREQUAL "pkg_config")
       -Wl,-rpath,${library_dir})
   check_consumer(${WORK_DIR}/consumer)
 
-elseif(STEP STREQUAL "add_subdirectory")
+elseif(STEP MATCHES "^(add_subdirectory|fetch_content)$")
   file(REMOVE_RECURSE ${WORK_DIR})
+  if(SPACES)
+    file(MAKE_DIRECTORY ${WORK_DIR})
+    file(CREATE_LINK ${SOURCE_DIR} "${WORK_DIR}/a folder of sources" SYMBOLIC)
+    set(SOURCE_DIR "${WORK_DIR}/a folder of sources")
+    set(WORK_DIR "${WORK_DIR}/a folder of objects")
+  endif()
   run(${CMAKE_COMMAND}
       -S
-      ${CMAKE_CURRENT_LIST_DIR}/add_subdirectory
+      ${CMAKE_CURRENT_LIST_DIR}/${STEP}
       -B
       ${WORK_DIR}
       -G
