@@ -64,4 +64,8 @@ if(NOT TARGET CLI11::CLI11)
                                                 "${CMAKE_CURRENT_LIST_DIR}/../../../include")
 endif()
 END
+# Wine's folder is made before several programs start at once.
+case "$target" in
+  *mingw32) scripts/run-under-wine.sh wineboot --init >/dev/null 2>&1 ;;
+esac
 printf '%s\n' "$prefix" >"$prefix/complete"
