@@ -41,8 +41,9 @@ struct MeshFile {
         const unsigned int place = 3 * triangle + corner;
         vertexIndices[place] = place;
         normalIndices[place] = triangle;
-        vertices[place] = Vector3D(triangle % 1000 + (corner == 1 ? 1 : 0),
-                                   triangle / 1000 + (corner == 2 ? 1 : 0), 0.0);
+        vertices[place] =
+            Vector3D(triangle % 1000 + (corner == 1 ? 1 : 0),
+                     static_cast<double>(triangle / 1000) + (corner == 2 ? 1 : 0), 0.0);
       }
     }
     Write(path);

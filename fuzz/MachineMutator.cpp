@@ -304,6 +304,7 @@ std::string_view TextPart(const std::uint8_t* data, std::size_t size) {
 
 std::size_t Store(const std::string& bytes, std::uint8_t* out, std::size_t maxSize) {
   const std::size_t size = std::min(bytes.size(), maxSize);
+  // NOLINTNEXTLINE(bugprone-not-null-terminated-result): bytes, not a text.
   std::memcpy(out, bytes.data(), size);
   return size;
 }

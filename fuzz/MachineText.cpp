@@ -114,7 +114,10 @@ void Print(const TextNode& node, std::string* text) {
   } else {
     *text += '<' + node.name;
     for (const auto& [name, value] : node.attributes) {
-      *text += ' ' + name + '=' + value;
+      *text += ' ';
+      *text += name;
+      *text += '=';
+      *text += value;
     }
     *text += node.children.empty() ? "/>" : ">";
   }
