@@ -152,8 +152,25 @@ void KeptPair::DrawIndices(Draw& draw) {
 }
 
 void KeptPair::DrawRegisters(Draw& draw) {
-  std::vector<int> rotary = machine_.RegistersOf(Kin::EntityLinkTypeRotary);
-  std::vector<int> linear = machine_.RegistersOf(Kin::EntityLinkTypeLinear);
+  // Usually those of axes between head and table.
+  const Kin::Kinematic& kinematic = machine_.Get().GetKinematic();
+  std::vector<int> rotary;
+  std::vector<int> linear;
+  for (const Kin::Entity* end :
+       {kinematic.GetEntityHead(scene_.head), kinematic.GetEntityTable(scene_.table)}) {
+    for (; end != nullptr; end = end->GetParentEntity()) {
+      const Kin::EntityLinkType type = end->GetEntityLink().GetEntityLinkType();
+      if (type == Kin::EntityLinkTypeRotary) {
+        rotary.push_back(end->GetRegister().GetVal());
+      } else if (type == Kin::EntityLinkTypeLinear) {
+        linear.push_back(end->GetRegister().GetVal());
+      }
+    }
+  }
+  if (draw.Chance(0.1)) {
+    rotary = machine_.RegistersOf(Kin::EntityLinkTypeRotary);
+    linear = machine_.RegistersOf(Kin::EntityLinkTypeLinear);
+  }
   draw.Shuffle(&rotary);
   draw.Shuffle(&linear);
   const int bound = machine_.RegisterNb();
@@ -233,6 +250,9 @@ void KeptPair::ChangeScene(Draw& draw, double edgeShare) {
   }
   if (draw.Chance(0.1)) {
     DrawIndices(draw);
+    if (draw.Chance(0.7)) {
+      DrawRegisters(draw);
+    }
   }
   if (draw.Chance(0.05)) {
     DrawRegisters(draw);
