@@ -108,6 +108,40 @@ TEST_F(ComputeMemory, FramesOfTheMachineAreAllThereOrAsBefore) {
          [this](Calculation& c) { return c.compute.ComputePositionMachine(position_, &c.frames); });
 }
 
+// What is kept from call to call is done without where there is no memory for it.
+TEST_F(ComputeMemory, ToolFrameIsThereWithOrWithoutMemory) {
+  Refuse("compute the tool's frame", Leaves::Repeatable, [this](Calculation& c) {
+    return c.compute.ComputeMcsToToolTcs(position_, 0, 0, Offset, &c.frame);
+  });
+  Calculation c(machine_);
+  ASSERT_TRUE(c.compute.ComputeMcsToToolTcs(position_, 0, 0, Offset, &c.frame));
+  const std::string expected = DescribeAll(c);
+  Calculation poor(machine_);
+  for (int i = 0; i < 3; ++i) {
+    poor.frame = Matrix43();
+    RefuseAllocationsFrom(0);
+    EXPECT_TRUE(poor.compute.ComputeMcsToToolTcs(position_, 0, 0, Offset, &poor.frame));
+    EXPECT_TRUE(AllowAllocations()) << "it tries again";
+    EXPECT_EQ(DescribeAll(poor), expected);
+  }
+  // As soon as there is memory, it keeps.
+  EXPECT_TRUE(poor.compute.ComputeMcsToToolTcs(position_, 0, 0, Offset, &poor.frame));
+  EXPECT_EQ(AllocationsOf(
+                [&] { poor.compute.ComputeMcsToToolTcs(position_, 0, 0, Offset, &poor.frame); }),
+            0U);
+  EXPECT_EQ(DescribeAll(poor), expected);
+}
+
+// Every operation once with no memory for what it keeps, and then with memory.
+TEST_F(ComputeMemory, OperationsKeepAsSoonAsThereIsMemory) {
+  const auto computeAll = [this](Calculation& c) {
+    return SolveRotary(c, 0) && SolveLinear(c, 0) && SolveRotary(c, 1) && SolveLinear(c, 1) &&
+           c.compute.ComputeMcsToToolTcs(position_, 0, 0, Offset, &c.frame) &&
+           c.compute.ComputePositionMachine(position_, &c.frames);
+  };
+  Refuse("compute everything", Leaves::Repeatable, computeAll);
+}
+
 TEST_F(ComputeMemory, RotarySolverGoesOn) {
   Refuse("solve rotary axes", Leaves::Repeatable,
          [this](Calculation& c) { return SolveRotary(c, 0); });
@@ -163,10 +197,10 @@ TEST_F(ComputeMemory, SecondCallAsksForNone) {
   RefuseAllocationsFrom(0);
   computeAll();
   const Kin::Entity& head = *machine_.GetKinematic().GetEntityHead(0);
-  EXPECT_TRUE(c.compute.ComputePositionEntity(head, position_, &c.frame));
+  Matrix43 frame;
+  EXPECT_TRUE(c.compute.ComputePositionEntity(head, position_, &frame));
   EXPECT_TRUE(c.compute.ComputeRelativePosition(head.GetEntityLink(), head.GetRegister(), position_,
-                                                &c.frame));
-  EXPECT_TRUE(c.compute.ComputeMcsToToolTcs(position_, 0, 0, Offset, &c.frame));
+                                                &frame));
   EXPECT_FALSE(AllowAllocations());
   EXPECT_EQ(DescribeAll(c), expected);
 }
