@@ -1,6 +1,9 @@
 #include "PrivateAccess.h"
 
+#include "compute/MachineComputeImplementation.h"
 #include "support/PrivateMember.h"
+
+#include <memory>
 
 namespace Orvo::Testing {
 
@@ -17,6 +20,12 @@ struct WorldEntityDirOf {
 };
 template struct PrivateMember<WorldEntityDirOf, &Kin::MachineCompute::ComputeWorldEntityDir>;
 
+struct CalculatorRecordOf {
+  using Type = std::shared_ptr<Kin::MachineComputeImplementation> Kin::MachineCompute::*;
+  friend Type MemberOf(CalculatorRecordOf);
+};
+template struct PrivateMember<CalculatorRecordOf, &Kin::MachineCompute::implementation_>;
+
 void SetLinkType(Kin::EntityLink* link, int type) {
   link->*MemberOf(LinkTypeOf{}) = static_cast<Kin::EntityLinkType>(type);
 }
@@ -25,5 +34,11 @@ bool ComputeWorldEntityDir(Kin::MachineCompute& compute, const Kin::MachinePosit
                            const Kin::Entity& entity, Vector3D* dir) {
   return (compute.*MemberOf(WorldEntityDirOf{}))(pos, entity, dir);
 }
+
+Kin::MachineComputeImplementation& RecordOf(const Kin::MachineCompute& compute) {
+  return *(compute.*MemberOf(CalculatorRecordOf{}));
+}
+
+void KeepNothing(const Kin::MachineCompute& compute) { RecordOf(compute).kept.SwitchOff(); }
 
 }  // namespace Orvo::Testing

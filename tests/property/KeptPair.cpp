@@ -1,11 +1,10 @@
 #include "property/KeptPair.h"
 
-#include "compute/MachineComputeImplementation.h"
+#include "compute/PrivateAccess.h"
 #include "geometry/FrameKernel.h"
 #include "geometry/VectorKernel.h"
 #include "property/Compare.h"
 #include "property/RandomGeometry.h"
-#include "support/PrivateMember.h"
 #include "support/SameBits.h"
 
 #include <gtest/gtest.h>
@@ -17,16 +16,7 @@
 #include <cstring>
 #include <limits>
 #include <memory>
-
-namespace Orvo::Testing {
-
-struct CalculatorRecordOf {
-  using Type = std::shared_ptr<Kin::MachineComputeImplementation> Kin::MachineCompute::*;
-  friend Type MemberOf(CalculatorRecordOf);
-};
-template struct PrivateMember<CalculatorRecordOf, &Kin::MachineCompute::implementation_>;
-
-}  // namespace Orvo::Testing
+#include <new>
 
 namespace Orvo::Property {
 namespace {
@@ -133,14 +123,10 @@ Vector3D Shifted(Draw& draw, const Vector3D& v) {
 
 }  // namespace
 
-void KeepNothing(Kin::MachineCompute* calculator) {
-  (calculator->*MemberOf(Testing::CalculatorRecordOf{}))->kept.SwitchOff();
-}
-
 KeptPair::KeptPair(const ChangingMachine& machine)
     : machine_(machine), calculators_{machine.Get(), machine.Get()}, scout_(machine.Get()) {
-  KeepNothing(&calculators_[1]);
-  KeepNothing(&scout_);
+  Testing::KeepNothing(calculators_[1]);
+  Testing::KeepNothing(scout_);
 }
 
 void KeptPair::DrawIndices(Draw& draw) {

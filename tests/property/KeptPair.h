@@ -14,9 +14,6 @@
 
 namespace Orvo::Property {
 
-/// Has a calculator compute everything plainly from now on.
-void KeepNothing(Kin::MachineCompute* calculator);
-
 /// What the calls of a sequence have in common; some of it changes from call to call.
 struct Scene {
   std::vector<double> values;  ///< by register, all of them
