@@ -1,0 +1,334 @@
+// Frames a whole column at a time, row by row and four numbers at once, against the kernels that
+// all of them must agree with bit for bit.
+
+#include "geometry/AngleKernel.h"
+#include "geometry/Coordinates.h"
+#include "geometry/Degrees.h"
+#include "geometry/FrameKernel.h"
+#include "geometry/FrameRows.h"
+#include "geometry/FrameTwin.h"
+#include "geometry/Quad.h"
+#include "geometry/VectorKernel.h"
+#include "geometry/WideFrame.h"
+#include "support/SameBits.h"
+#include "support/TestRandom.h"
+
+#include <Orvo/Vector3D.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <iterator>
+#include <limits>
+
+namespace Orvo {
+namespace {
+
+using Testing::AllTypes;
+using Testing::DrawTwin;
+using Testing::ProductTwin;
+using Testing::SameBits;
+using Testing::TestRandom;
+using Testing::Twin;
+using Testing::Type;
+
+constexpr double Infinity = std::numeric_limits<double>::infinity();
+constexpr double NotANumber = std::numeric_limits<double>::quiet_NaN();
+
+constexpr ProductRule AffineRules[] = {
+    ProductRule::Left,       ProductRule::Right,     ProductRule::Turn,  ProductRule::RightTurned,
+    ProductRule::RightMoved, ProductRule::LeftMoved, ProductRule::Affine};
+
+// Any number: special ones of all sorts among ordinary ones.
+double DrawAny(TestRandom& random) {
+  static const double special[] = {0.0,   -0.0,   1.0,      -1.0,      Infinity,   -Infinity,
+                                   1e308, -1e308, 5e-324,   -1e-310,   NotANumber, 1e-160,
+                                   1e150, 0.1,    -0.00001, 1.0 / 3.0, 2.0,        -0.5};
+  if (random.Chance(0.3)) {
+    return special[random.Integer(0, static_cast<int>(std::size(special)) - 1)];
+  }
+  return random.Chance(0.1) ? std::ldexp(random.Real(-1.0, 1.0), random.Integer(-1000, 1000))
+                            : random.Real(-10.0, 10.0);
+}
+
+struct alignas(32) Frame16 {
+  double m[16];
+};
+
+Frame16 DrawFrame(TestRandom& random) {
+  Frame16 frame;
+  const bool isOrdinary = random.Chance(0.5);
+  for (double& element : frame.m) {
+    element = isOrdinary ? random.Real(-10.0, 10.0) : DrawAny(random);
+  }
+  return frame;
+}
+
+// A frame as products leave it: the fourth row is exactly (0, 0, 0, 1).
+Frame16 WithExactFourthRow(Frame16 frame) {
+  frame.m[3] = frame.m[7] = frame.m[11] = 0.0;
+  frame.m[15] = 1.0;
+  return frame;
+}
+
+#ifdef ORVO_WIDE
+
+// The caller's copy stands anywhere.
+struct Copy {
+  double before = 4.0;
+  double m[16];
+  double after = 5.0;
+};
+
+ORVO_WIDE void MultiplyWide(ProductRule rule, const Frame16& a, const Frame16& b, Frame16* product,
+                            double* copy) {
+  MultiplyFramesWide(rule, a.m, b.m, product->m, copy);
+}
+
+TEST(WideFrame, MultipliesAsTheKernelByAllRulesBitForBit) {
+  if (!HasWideLanes()) {
+    return;
+  }
+  TestRandom random;
+  SCOPED_TRACE(random.Trace());
+  for (const ProductRule rule : AffineRules) {
+    SCOPED_TRACE(static_cast<int>(rule));
+    for (int i = 0; i < 4000; ++i) {
+      const Frame16 a = DrawFrame(random);
+      const Frame16 b = DrawFrame(random);
+      Frame16 expected;
+      MultiplyFrames(rule, a.m, b.m, expected.m);
+      Frame16 product;
+      Copy copy;
+      MultiplyWide(rule, a, b, &product, copy.m);
+      ASSERT_TRUE(SameBits(product.m, expected.m, 16, "the product's")) << i;
+      ASSERT_TRUE(SameBits(copy.m, expected.m, 16, "the copy's")) << i;
+      ASSERT_EQ(copy.before, 4.0);
+      ASSERT_EQ(copy.after, 5.0);
+    }
+  }
+}
+
+ORVO_WIDE void CopyWide(const Frame16& frame, double* copy) { CopyFrameWide(frame.m, copy); }
+
+TEST(WideFrame, CopiesEveryBit) {
+  if (!HasWideLanes()) {
+    return;
+  }
+  TestRandom random;
+  SCOPED_TRACE(random.Trace());
+  for (int i = 0; i < 1000; ++i) {
+    Frame16 frame;
+    for (double& element : frame.m) {
+      const std::uint64_t bits = random.Bits();
+      std::memcpy(&element, &bits, sizeof element);
+    }
+    Copy copy;
+    CopyWide(frame, copy.m);
+    ASSERT_EQ(std::memcmp(frame.m, copy.m, sizeof frame.m), 0);
+    ASSERT_EQ(copy.before, 4.0);
+    ASSERT_EQ(copy.after, 5.0);
+  }
+}
+
+#endif
+
+TEST(FrameKernel, MultipliesByItsRuleAsTheScalarFormulaForAllPairsOfKinds) {
+  TestRandom random;
+  SCOPED_TRACE(random.Trace());
+  for (const Type typeA : AllTypes) {
+    for (const Type typeB : AllTypes) {
+      SCOPED_TRACE(testing::Message() << typeA << " * " << typeB);
+      for (int i = 0; i < 200; ++i) {
+        alignas(16) Twin a = DrawTwin(random, typeA);
+        alignas(16) Twin b = DrawTwin(random, typeB);
+        const Twin expected = ProductTwin(a, b);
+        Frame16 product;
+        ASSERT_EQ(MultiplyFrames(a.m, typeA, b.m, typeB, product.m), expected.type);
+        ASSERT_TRUE(SameBits(product.m, expected.m, 16, "the product's"));
+      }
+    }
+  }
+}
+
+// Where the right factor's fourth row is exact, as rows have it.
+TEST(FrameRows, MultiplyAsTheKernelByAllRulesBitForBit) {
+  TestRandom random;
+  SCOPED_TRACE(random.Trace());
+  for (const ProductRule rule : AffineRules) {
+    SCOPED_TRACE(static_cast<int>(rule));
+    for (int i = 0; i < 4000; ++i) {
+      const Frame16 a = WithExactFourthRow(DrawFrame(random));
+      const Frame16 b = WithExactFourthRow(DrawFrame(random));
+      Frame16 expected;
+      MultiplyFrames(rule, a.m, b.m, expected.m);
+      Frame16 product;
+      StoreRows(MultiplyRows(rule, a.m, LoadRows(b.m)), product.m);
+      ASSERT_TRUE(SameBits(product.m, expected.m, 16, "the product's")) << i;
+    }
+  }
+}
+
+TEST(FrameRows, ComeBackAsTheyWere) {
+  TestRandom random;
+  SCOPED_TRACE(random.Trace());
+  for (int i = 0; i < 1000; ++i) {
+    const Frame16 frame = DrawFrame(random);
+    Frame16 back;
+    StoreRows(LoadRows(frame.m), back.m);
+    ASSERT_TRUE(SameBits(back.m, WithExactFourthRow(frame).m, 16, "the frame's"));
+  }
+}
+
+Quad QuadOf(const double (&n)[4]) { return Quad(n[0], n[1], n[2], n[3]); }
+
+struct alignas(16) Numbers {
+  double n[4];
+};
+
+Numbers DrawNumbers(TestRandom& random) {
+  return {{DrawAny(random), DrawAny(random), DrawAny(random), DrawAny(random)}};
+}
+
+// Compares four numbers with what a formula gives for each place alone.
+template <typename Formula>
+testing::AssertionResult EachIs(const Quad& quad, Formula formula) {
+  Numbers actual;
+  quad.Store(actual.n);
+  Numbers expected;
+  for (int i = 0; i < 4; ++i) {
+    expected.n[i] = formula(i);
+  }
+  return SameBits(actual.n, expected.n, 4, "the four numbers'");
+}
+
+TEST(Quad, ComputesEachNumberAsAlone) {
+  TestRandom random;
+  SCOPED_TRACE(random.Trace());
+  for (int i = 0; i < 5000; ++i) {
+    const Numbers a = DrawNumbers(random);
+    const Numbers b = DrawNumbers(random);
+    const Quad qa = QuadOf(a.n);
+    const Quad qb = QuadOf(b.n);
+    ASSERT_TRUE(EachIs(qa, [&](int k) { return a.n[k]; }));
+    ASSERT_TRUE(EachIs(Quad(a.n[2]), [&](int) { return a.n[2]; }));
+    ASSERT_TRUE(EachIs(Quad(), [](int) { return 0.0; }));
+    ASSERT_TRUE(EachIs(Quad::Join(qa, qb), [&](int k) { return k < 2 ? a.n[k] : b.n[k]; }));
+    ASSERT_TRUE(EachIs(qa + qb, [&](int k) { return a.n[k] + b.n[k]; }));
+    ASSERT_TRUE(EachIs(qa - qb, [&](int k) { return a.n[k] - b.n[k]; }));
+    ASSERT_TRUE(EachIs(qa * qb, [&](int k) { return a.n[k] * b.n[k]; }));
+    ASSERT_TRUE(EachIs(qa / qb, [&](int k) { return a.n[k] / b.n[k]; }));
+    ASSERT_TRUE(EachIs(Sqrt(qa), [&](int k) { return std::sqrt(a.n[k]); }));
+    ASSERT_TRUE(EachIs(Abs(qa), [&](int k) { return std::fabs(a.n[k]); }));
+    ASSERT_TRUE(EachIs(Clamp(qa, -1.0, 1.0), [&](int k) { return std::clamp(a.n[k], -1.0, 1.0); }));
+    ASSERT_TRUE(EachIs(NegateWhereNegative(qa, qb),
+                       [&](int k) { return b.n[k] < 0.0 ? -a.n[k] : a.n[k]; }));
+    bool isAnyBelow = false;
+    bool areAllInOrder = true;
+    for (int k = 0; k < 4; ++k) {
+      isAnyBelow = isAnyBelow || a.n[k] < b.n[0];
+      areAllInOrder = areAllInOrder && a.n[k] <= b.n[k];
+    }
+    ASSERT_EQ(IsAnyBelow(qa, b.n[0]), isAnyBelow);
+    ASSERT_EQ(AreAllInOrder(qa, qb), areAllInOrder);
+    ASSERT_TRUE(EachIs(DegreesFromRadians(qa), [&](int k) { return DegreesFromRadians(a.n[k]); }));
+    ASSERT_TRUE(EachIs(RadiansFromDegrees(qa), [&](int k) { return RadiansFromDegrees(a.n[k]); }));
+  }
+}
+
+// Any place decides alone: random draws seldom have all the others in order.
+TEST(Quad, ComparesEveryPlace) {
+  for (int place = 0; place < 4; ++place) {
+    for (const double odd : {-0.5, NotANumber}) {
+      Numbers a = {{1.0, 2.0, 3.0, 4.0}};
+      const Quad bounds(1.0, 2.0, 3.0, 4.0);
+      EXPECT_TRUE(AreAllInOrder(QuadOf(a.n), bounds)) << "equal ones are in order";
+      EXPECT_FALSE(IsAnyBelow(QuadOf(a.n), 1.0)) << "none is below";
+      a.n[place] = odd;
+      EXPECT_EQ(IsAnyBelow(QuadOf(a.n), 1.0), odd < 1.0) << place;
+      EXPECT_EQ(AreAllInOrder(QuadOf(a.n), bounds), odd < 1.0) << place;
+      EXPECT_FALSE(AreAllInOrder(bounds, QuadOf(a.n))) << place;
+    }
+  }
+}
+
+TEST(Coordinates, AreTheFormulasOfVectorsBitForBit) {
+  TestRandom random;
+  SCOPED_TRACE(random.Trace());
+  for (int i = 0; i < 1000; ++i) {
+    Vector3D a[4];
+    Vector3D b[4];
+    Coordinates1 ca[4];
+    Coordinates1 cb[4];
+    for (int k = 0; k < 4; ++k) {
+      a[k] = Vector3D(DrawAny(random), DrawAny(random), DrawAny(random));
+      b[k] = Vector3D(DrawAny(random), DrawAny(random), DrawAny(random));
+      ca[k] = LoadCoordinates(a[k]);
+      cb[k] = LoadCoordinates(b[k]);
+    }
+    const double factor = DrawAny(random);
+    const Coordinates4 a4 = Gather(ca[0], ca[1], ca[2], ca[3]);
+    const Coordinates4 b4 = Gather(cb[0], cb[1], cb[2], cb[3]);
+    // One vector and four at once, each against the kernel.
+    const auto areSame = [](const Coordinates1(&one)[4], const Coordinates4& four,
+                            const Vector3D(&expected)[4]) {
+      const Quad* const parts[3] = {&four.x, &four.y, &four.z};
+      for (int axis = 0; axis < 3; ++axis) {
+        testing::AssertionResult result =
+            EachIs(*parts[axis], [&](int k) { return expected[k][axis]; });
+        if (!result) {
+          return result;
+        }
+        for (int k = 0; k < 4; ++k) {
+          const double* const numbers[3] = {&one[k].x, &one[k].y, &one[k].z};
+          result = SameBits(*numbers[axis], expected[k][axis]);
+          if (!result) {
+            return result;
+          }
+        }
+      }
+      return testing::AssertionSuccess();
+    };
+    Coordinates1 one[4];
+    Vector3D expected[4];
+    const auto forEach = [&](auto formula, auto kernel) {
+      for (int k = 0; k < 4; ++k) {
+        one[k] = formula(ca[k], cb[k]);
+        expected[k] = kernel(a[k], b[k]);
+      }
+    };
+    forEach([](const auto& p, const auto& q) { return Cross(p, q); },
+            [](const double* p, const double* q) { return Cross(p, q); });
+    ASSERT_TRUE(areSame(one, Cross(a4, b4), expected)) << "Cross";
+    forEach([](const auto& p, const auto& q) { return Plus(p, q); },
+            [](const double* p, const double* q) { return Plus(p, q); });
+    ASSERT_TRUE(areSame(one, Plus(a4, b4), expected)) << "Plus";
+    forEach([](const auto& p, const auto& q) { return Minus(p, q); },
+            [](const double* p, const double* q) { return Minus(p, q); });
+    ASSERT_TRUE(areSame(one, Minus(a4, b4), expected)) << "Minus";
+    forEach([&](const auto& p, const auto&) { return Times(p, factor); },
+            [&](const double* p, const double*) { return Times(p, factor); });
+    ASSERT_TRUE(areSame(one, Times(a4, Quad(factor)), expected)) << "Times";
+    forEach([&](const auto& p, const auto&) { return DividedBy(p, factor); },
+            [&](const double* p, const double*) {
+              return Vector3D(p[0] / factor, p[1] / factor, p[2] / factor);
+            });
+    ASSERT_TRUE(areSame(one, DividedBy(a4, Quad(factor)), expected)) << "DividedBy";
+    const Coordinates4 joined = Join(a4, b4);
+    for (int k = 0; k < 4; ++k) {
+      one[k] = k < 2 ? ca[k] : cb[k];
+      expected[k] = k < 2 ? a[k] : b[k];
+    }
+    ASSERT_TRUE(areSame(one, joined, expected)) << "Join";
+    ASSERT_TRUE(EachIs(Dot(a4, b4), [&](int k) { return Dot(a[k], b[k]); }));
+    for (int k = 0; k < 4; ++k) {
+      ASSERT_TRUE(SameBits(Dot(ca[k], cb[k]), Dot(a[k], b[k])));
+    }
+  }
+}
+
+}  // namespace
+}  // namespace Orvo
