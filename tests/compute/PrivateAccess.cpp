@@ -1,6 +1,7 @@
 #include "PrivateAccess.h"
 
 #include "compute/MachineComputeImplementation.h"
+#include "compute/ProgramSystemComputeImplementation.h"
 #include "support/PrivateMember.h"
 
 #include <memory>
@@ -26,6 +27,13 @@ struct CalculatorRecordOf {
 };
 template struct PrivateMember<CalculatorRecordOf, &Kin::MachineCompute::implementation_>;
 
+struct SolverRecordOf {
+  using Type =
+      std::shared_ptr<Kin::ProgramSystemComputeImplementation> Kin::ProgramSystemCompute::*;
+  friend Type MemberOf(SolverRecordOf);
+};
+template struct PrivateMember<SolverRecordOf, &Kin::ProgramSystemCompute::implementation_>;
+
 void SetLinkType(Kin::EntityLink* link, int type) {
   link->*MemberOf(LinkTypeOf{}) = static_cast<Kin::EntityLinkType>(type);
 }
@@ -40,5 +48,9 @@ Kin::MachineComputeImplementation& RecordOf(const Kin::MachineCompute& compute) 
 }
 
 void KeepNothing(const Kin::MachineCompute& compute) { RecordOf(compute).kept.SwitchOff(); }
+
+void KeepNothing(const Kin::ProgramSystemCompute& compute) {
+  KeepNothing((compute.*MemberOf(SolverRecordOf{}))->calculator);
+}
 
 }  // namespace Orvo::Testing

@@ -4,6 +4,7 @@
 #include <Orvo/Kin/EntityLink.h>
 #include <Orvo/Kin/MachineCompute.h>
 #include <Orvo/Kin/MachinePosition.h>
+#include <Orvo/Kin/ProgramSystemCompute.h>
 #include <Orvo/Vector3D.h>
 
 namespace Orvo::Kin {
@@ -27,5 +28,6 @@ Kin::MachineComputeImplementation& RecordOf(const Kin::MachineCompute& compute);
 /// Has a calculator compute everything plainly from now on, without anything kept from call to
 /// call.
 void KeepNothing(const Kin::MachineCompute& compute);
+void KeepNothing(const Kin::ProgramSystemCompute& compute);
 
 }  // namespace Orvo::Testing

@@ -44,6 +44,14 @@ class KeptPair {
   /// compares at both. Returns whether all is the same.
   bool CallAtThreshold(Draw& draw);
 
+  /// Draws a direction in the table's frame: reachable ones, poles, limits, any.
+  Vector3D DrawTarget(Draw& draw);
+
+  const Scene& GetScene() const { return scene_; }
+
+  /// The position of the next call.
+  const Kin::MachinePosition& Position() const { return pos_; }
+
   /// The number of calls so far.
   int CallNb() const { return callNb_; }
 
@@ -63,9 +71,6 @@ class KeptPair {
 
   /// The scene's values; now and then more or fewer of them, or one that is no number.
   Kin::MachinePosition DrawPosition(Draw& draw) const;
-
-  /// Draws a direction in the table's frame: reachable ones, poles, limits, any.
-  Vector3D DrawTarget(Draw& draw);
 
   /// Looks where the tool and the rotary axes point with these axes at 0.
   void Look();

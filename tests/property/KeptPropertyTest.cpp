@@ -1,6 +1,6 @@
 // Calculators that keep results from call to call against plain ones, bit for bit, in long
 // sequences of calls on random machines: what was kept for one call must never show in another.
-// Together more than three million calls of each.
+// Together more than a million and a half calls of each.
 
 #include "property/ChangingMachine.h"
 #include "property/Draw.h"
@@ -38,27 +38,27 @@ void Follow(Draw& draw, const Course& course) {
 }
 
 TEST(KeptProperty, SoundMachinesAreComputedAsPlainly) {
-  ForCases(30000, [](Draw& draw) { Follow(draw, {Flavor::Sound, 40}); });
+  ForCases(15000, [](Draw& draw) { Follow(draw, {Flavor::Sound, 40}); });
 }
 
 TEST(KeptProperty, WildMachinesAreComputedAsPlainly) {
-  ForCases(20000, [](Draw& draw) { Follow(draw, {Flavor::Wild, 40}); });
+  ForCases(8000, [](Draw& draw) { Follow(draw, {Flavor::Wild, 40}); });
 }
 
 TEST(KeptProperty, DeepMachinesAreComputedAsPlainly) {
-  ForCases(4000, [](Draw& draw) { Follow(draw, {Flavor::Deep, 40}); });
+  ForCases(2000, [](Draw& draw) { Follow(draw, {Flavor::Deep, 40}); });
 }
 
 TEST(KeptProperty, MachinesThatChangeAreComputedAsPlainly) {
-  ForCases(15000, [](Draw& draw) { Follow(draw, {Flavor::Sound, 40, 0.0, 0.1}); });
+  ForCases(8000, [](Draw& draw) { Follow(draw, {Flavor::Sound, 40, 0.0, 0.1}); });
 }
 
 TEST(KeptProperty, WildMachinesThatChangeAreComputedAsPlainly) {
-  ForCases(6000, [](Draw& draw) { Follow(draw, {Flavor::Wild, 40, 0.0, 0.1}); });
+  ForCases(4000, [](Draw& draw) { Follow(draw, {Flavor::Wild, 40, 0.0, 0.1}); });
 }
 
 TEST(KeptProperty, AnyNumbersAreComputedAsPlainly) {
-  ForCases(12000, [](Draw& draw) {
+  ForCases(6000, [](Draw& draw) {
     draw.SetEdgeShare(draw.Uniform(0.0, 0.1));
     Follow(draw, {draw.Chance(0.7) ? Flavor::Sound : Flavor::Wild, 40, 0.1, 0.02});
   });
@@ -66,7 +66,7 @@ TEST(KeptProperty, AnyNumbersAreComputedAsPlainly) {
 
 // Right at the targets where solutions come, go and fall into one.
 TEST(KeptProperty, ThresholdsAreThoseOfThePlainComputation) {
-  ForCases(12000, [](Draw& draw) { Follow(draw, {Flavor::Sound, 20, 0.0, 0.0, 0.3}); });
+  ForCases(6000, [](Draw& draw) { Follow(draw, {Flavor::Sound, 20, 0.0, 0.0, 0.3}); });
 }
 
 }  // namespace
