@@ -97,7 +97,7 @@ bool MachineCompute::ComputePositionMachine(const MachinePosition& pos,
   if (frames->size() != frameNb) {
     frames->resize(frameNb);
   }
-  KeptResults* const kept = record.kept.Current(KinematicAccess::Store(machine.kinematic_));
+  KeptResults* const kept = record.kept.Current(machine.kinematic_);
   AllFrames* const all =
       kept == nullptr ? nullptr : kept->frames.Make({}, values.size(), [&](AllFrames* made) {
         return made->Build(record.entityOrder, frameNb);
@@ -144,7 +144,7 @@ bool MachineCompute::ComputeMcsToToolTcs(const MachinePosition& pos, const HeadI
   if (values.empty()) {
     return Fail(ComputeErrorEmptyPosition);
   }
-  if (KeptResults* const kept = record.kept.Current(store)) {
+  if (KeptResults* const kept = record.kept.Current(machine.kinematic_)) {
     TableFromHead* const tableFromHead = kept->tableFromHead.Make(
         {headEntity, tableEntity}, values.size(),
         [&](TableFromHead* made) { return made->Build(*headEntity, *tableEntity); });

@@ -2,9 +2,10 @@
 
 namespace Orvo::Kin {
 
-void KeptResults::Forget(const KinematicImplementation& store) {
-  store_ = &store;
-  changeNb_ = store.changeNb;
+void KeptResults::Forget(const Kinematic& kinematic) {
+  watchedStore_ = KinematicAccess::Watch(kinematic);
+  store_ = &KinematicAccess::Store(kinematic);
+  changeNb_ = store_->changeNb;
   frames.Clear();
   tableFromHead.Clear();
   rotary.Clear();

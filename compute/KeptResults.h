@@ -84,7 +84,7 @@ class KeptResults {
     void Clear() { *this = Shelf(); }
 
    private:
-    static constexpr std::size_t MostEntries = 4;
+    static constexpr std::size_t MostEntries = 16;
 
     struct Entry {
       Key key;
@@ -99,9 +99,10 @@ class KeptResults {
 
   /// Returns the kept results of a machine as its elements are now, or null where everything shall
   /// be computed plainly.
-  KeptResults* Current(const KinematicImplementation& store) {
+  KeptResults* Current(const Kinematic& kinematic) {
+    const KinematicImplementation& store = KinematicAccess::Store(kinematic);
     if (&store != store_ || store.changeNb != changeNb_) {
-      Forget(store);
+      Forget(kinematic);
     }
     return isOff_ ? nullptr : this;
   }
@@ -115,9 +116,11 @@ class KeptResults {
   Shelf<LinearPlacement> linear;
 
  private:
-  void Forget(const KinematicImplementation& store);
+  void Forget(const Kinematic& kinematic);
 
+  // The store that all is taken from. Watched, so that no other one takes its address.
   const KinematicImplementation* store_ = nullptr;
+  std::weak_ptr<const KinematicImplementation> watchedStore_;
   unsigned long long changeNb_ = 0;
   bool isOff_ = false;
 };

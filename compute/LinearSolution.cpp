@@ -35,7 +35,7 @@ bool MachineCompute::ComputeToolTcsToMcsXyz(const MachinePosition& pos, const He
   const Register registers[3] = {x, y, z};
   const std::vector<double>& values = PositionAccess::Values(pos);
   const KinematicImplementation& store = KinematicAccess::Store(machine.kinematic_);
-  KeptResults* const kept = record.kept.Current(store);
+  KeptResults* const kept = record.kept.Current(machine.kinematic_);
   const KeptResults::Key key{
       store.Head(head), store.Table(table), {x.GetVal(), y.GetVal(), z.GetVal()}};
   LinearPlacement* placement = kept == nullptr ? nullptr : kept->linear.Find(key, values.size());

@@ -9,6 +9,7 @@
 #include <Orvo/Kin/ProgramSystem.h>
 
 #include <limits>
+#include <memory>
 
 namespace Orvo::Kin {
 
@@ -53,6 +54,7 @@ struct ProgramSystemComputeImplementation {
     }
     min = Quad(rotaries[0].min, rotaries[0].min, rotaries[1].min, rotaries[1].min);
     max = Quad(rotaries[0].max, rotaries[0].max, rotaries[1].max, rotaries[1].max);
+    watchedStore_ = KinematicAccess::Watch(machine->GetKinematic());
     store_ = &store;
     changeNb_ = store.changeNb;
   }
@@ -73,7 +75,9 @@ struct ProgramSystemComputeImplementation {
   Quad max;
 
  private:
+  // The store that the limits are taken from. Watched, so that no other one takes its address.
   const KinematicImplementation* store_ = nullptr;
+  std::weak_ptr<const KinematicImplementation> watchedStore_;
   unsigned long long changeNb_ = 0;
 };
 

@@ -40,7 +40,7 @@ bool MachineCompute::ComputeToolIjkTcsToMcsAbc(const MachinePosition& pos, const
   MachineComputeImplementation& record = *implementation_;
   const std::vector<double>& values = PositionAccess::Values(pos);
   const KinematicImplementation& store = KinematicAccess::Store(record.machine->kinematic_);
-  KeptResults* const kept = record.kept.Current(store);
+  KeptResults* const kept = record.kept.Current(record.machine->kinematic_);
   const KeptResults::Key key{store.Head(head), store.Table(table), {r0.GetVal(), r1.GetVal(), -1}};
   RotaryPlacement* placement = kept == nullptr ? nullptr : kept->rotary.Find(key, values.size());
   if (placement == nullptr) {

@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <list>
+#include <memory>
 #include <vector>
 
 namespace Orvo::Kin {
@@ -45,6 +46,9 @@ struct KinematicImplementation {
 struct KinematicAccess {
   static const KinematicImplementation& Store(const Kinematic& kinematic) {
     return *kinematic.implementation_;
+  }
+  static std::weak_ptr<const KinematicImplementation> Watch(const Kinematic& kinematic) {
+    return kinematic.implementation_;
   }
 };
 

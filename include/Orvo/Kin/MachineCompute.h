@@ -40,11 +40,12 @@ struct RotaryDirections;
 /// From call to call a calculator keeps what the values of the axes don't change, and the frames of
 /// the links whose values stayed. No result depends on it: setters of the machine's elements and
 /// links make it void, and it holds for any head, table, registers and position. Its size is linear
-/// in the elements on the ways to the root, at most fourfold for each operation, since four pairs of
-/// head and table are kept. An operation whose keeping gets no memory does without.
+/// in the elements on the ways to the root, for each of up to sixteen pairs of head and table, with
+/// the axes that are solved. An operation whose keeping gets no memory does without.
 ///
-/// A copy is a second handle on the same calculator, what it keeps and the last error included. The machine must outlive every handle and its tree must not change meanwhile. One
-/// thread per calculator; separate calculators of one machine may run at the same time.
+/// A copy is a second handle on the same calculator, what it keeps and the last error included. The
+/// machine must outlive every handle and its tree must not change meanwhile. One thread per
+/// calculator; separate calculators of one machine may run at the same time.
 class ORVO_API MachineCompute {
  public:
   /// Makes a calculator of a machine. Whether it is finished is asked by the operations.
@@ -102,8 +103,8 @@ class ORVO_API MachineCompute {
   ///   - ComputeErrorNullOutput: frames is null
   ///   - ComputeErrorEmptyPosition: pos holds no value
   /// @par Cost
-  /// One frame product for each element below an axis whose value changed since the last call, and a
-  /// copy for each other one. The first call also orders the elements, for the calculator's life;
+  /// One frame product for each element below an axis whose value changed since the last call, and
+  /// a copy for each other one. The first call also orders the elements, for the calculator's life;
   /// later ones allocate nothing while @p frames has room. Deliberate: the size of @p frames
   /// is that of the largest id, 2.7 GB at worst, however few elements there are. Who does not know
   /// the machine asks Machine::GetEntityIdMax() first, or takes ComputePositionEntity().
@@ -126,7 +127,7 @@ class ORVO_API MachineCompute {
   /// @par Cost
   /// Linear in the chains to the root; of their frame products only those that follow the first
   /// axis whose value changed since the last call. Allocates for a head and a table that were not
-  /// among the latest four.
+  /// among the latest sixteen.
   bool ComputeMcsToToolTcs(const MachinePosition& pos, const HeadIndex& head,
                            const TableIndex& table, const Vector3D& offset, Matrix43* frame);
 
@@ -157,7 +158,7 @@ class ORVO_API MachineCompute {
   /// @par Cost
   /// Linear in the chains to the root; of their frame products only those that follow the first
   /// axis whose value changed since the last call. Allocates for a head, a table and registers that
-  /// were not among the latest four, and for a longer position.
+  /// were not among the latest sixteen, and for a longer position.
   bool ComputeToolIjkTcsToMcsAbc(const MachinePosition& pos, const HeadIndex& head,
                                  const TableIndex& table, const Vector3D& ijk, const Register& r0,
                                  const Register& r1, RotariesSolution* sol);
@@ -188,7 +189,7 @@ class ORVO_API MachineCompute {
   /// @par Cost
   /// Linear in the chains to the root; of their frame products only those that follow the first
   /// axis whose value changed since the last call. Allocates for a head, a table and registers that
-  /// were not among the latest four, and for a longer position.
+  /// were not among the latest sixteen, and for a longer position.
   bool ComputeToolTcsToMcsXyz(const MachinePosition& pos, const HeadIndex& head,
                               const TableIndex& table, const Vector3D& offset, const Register& x,
                               const Register& y, const Register& z, const Vector3D& point,
