@@ -199,6 +199,25 @@ TEST(KeptResults, GiveThePlainAnswersForAllSortsOfValues) {
   }
 }
 
+// Only 0 and -0 together make the one travel that is -0.
+TEST(KeptResults, TellZerosApart) {
+  Machine machine;
+  AddLinear(machine, -1, AxisX, 0)->GetEntityLinkMod()->SetZeroRef(-0.0);
+  AddLinear(machine, 1, AxisY, 1);
+  AddLinear(machine, 2, AxisZ, 2);
+  AddHead(machine, 3);
+  AddTable(machine, 3);
+  ASSERT_TRUE(machine.Finish());
+  MachineCompute compute(machine);
+  for (const double zero : {0.0, -0.0, 0.0, -0.0}) {
+    const Question q = WithPosition({zero, 1, 2});
+    EXPECT_EQ(Answer(compute, q), PlainAnswer(machine, q));
+    std::vector<Matrix43> frames;
+    ASSERT_TRUE(compute.ComputePositionMachine(q.pos, &frames));
+    EXPECT_EQ(std::signbit(frames[1].GetTrans()[0]), std::signbit(zero));
+  }
+}
+
 // Each register in turn moves alone, there and back.
 TEST(KeptResults, FollowEachRegister) {
   const Machine machine = SampleMachine();

@@ -92,6 +92,10 @@ Axes DrawAxes(TestRandom& random) {
   if (random.Chance(0.2)) {
     axes.axis2 = Beside(random, Times(axes.axis1, random.Chance(0.5) ? 1.0 : -1.0));
   }
+  if (random.Chance(0.1)) {
+    // A short tool whose tip comes onto axis2.
+    axes.tool = Times(Turned(axes.axis2, axes.axis1, random.Real(-4, 4)), random.Real(0.3, 0.99));
+  }
   if (random.Chance(0.05)) {
     axes.axis2 = Times(axes.axis2, random.Real(0.005, 3.0));
   }
@@ -113,6 +117,15 @@ Vector3D DrawTarget(TestRandom& random, const Axes& axes) {
                                  Beside(random, axes.axis2),
                                  DrawUnit(random)};
   Vector3D target = candidates[random.Integer(0, 10)];
+  const double toolLength = Length(axes.tool);
+  if (toolLength < 0.999 && random.Chance(0.5)) {
+    // As high above the origin, along axis2, as the tip when it is on axis2.
+    Vector3D across = Cross(axes.axis2, DrawUnit(random));
+    across.MakeUnit(0.001);
+    target = Plus(Times(axes.axis2, toolLength),
+                  Times(across, std::sqrt(1.0 - toolLength * toolLength)));
+    return random.Chance(0.5) ? target : Beside(random, target);
+  }
   if (random.Chance(0.1)) {
     target = Times(target, random.Chance(0.5) ? 0.001 : DrawPower(random, -4.0, 200.0));
   }
