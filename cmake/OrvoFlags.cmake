@@ -8,7 +8,8 @@ target_compile_options(
   orvo_flags INTERFACE $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-ffp-contract=off>
                        $<$<CXX_COMPILER_ID:MSVC>:/fp:precise /utf-8>)
 
-# Exported functions of the library call each other directly; nothing shall replace them from outside.
+# Exported functions of the library call each other directly; nothing shall replace them from
+# outside.
 target_compile_options(orvo_flags INTERFACE $<$<CXX_COMPILER_ID:GNU>:-fno-semantic-interposition>)
 
 target_compile_options(

@@ -29,10 +29,11 @@ install(
 configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/OrvoConfig.cmake.in OrvoConfig.cmake
                               INSTALL_DESTINATION ${config_dir})
 write_basic_package_version_file(OrvoConfigVersion.cmake COMPATIBILITY SameMajorVersion)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/OrvoConfig.cmake
-              ${CMAKE_CURRENT_BINARY_DIR}/OrvoConfigVersion.cmake
-        DESTINATION ${config_dir}
-        COMPONENT development)
+install(
+  FILES ${CMAKE_CURRENT_BINARY_DIR}/OrvoConfig.cmake
+        ${CMAKE_CURRENT_BINARY_DIR}/OrvoConfigVersion.cmake
+  DESTINATION ${config_dir}
+  COMPONENT development)
 
 # The module's prefix is where its file lies, some levels up: the number of levels depends on the
 # name of the library folder.
@@ -48,6 +49,7 @@ else()
   set(ORVO_PC_LIBS_PRIVATE "-lstdc++")
 endif()
 configure_file(${PROJECT_SOURCE_DIR}/cmake/orvo.pc.in orvo.pc @ONLY)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/orvo.pc
-        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
-        COMPONENT development)
+install(
+  FILES ${CMAKE_CURRENT_BINARY_DIR}/orvo.pc
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
+  COMPONENT development)

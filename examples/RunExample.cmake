@@ -1,5 +1,5 @@
-# Runs PROGRAM, a command and its first arguments, with the folder WORK_DIR as its last argument, and
-# compares what it prints with the file EXPECTED.
+# Runs PROGRAM, a command and its first arguments, with the folder WORK_DIR as its last argument,
+# and compares what it prints with the file EXPECTED.
 file(REMOVE_RECURSE ${WORK_DIR})
 file(MAKE_DIRECTORY ${WORK_DIR})
 execute_process(

@@ -9,8 +9,9 @@ set(CMAKE_CROSSCOMPILING_EMULATOR qemu-aarch64 -L /usr/aarch64-linux-gnu)
 
 # Packages of the target lie where scripts/cross-packages.sh puts them; nothing is taken from the
 # machine that builds, but what CMAKE_PREFIX_PATH names.
-set(CMAKE_FIND_ROOT_PATH ${CMAKE_PREFIX_PATH} ${CMAKE_CURRENT_LIST_DIR}/../../build/cross/aarch64-linux-gnu
-                         /usr/aarch64-linux-gnu)
+set(CMAKE_FIND_ROOT_PATH
+    ${CMAKE_PREFIX_PATH} ${CMAKE_CURRENT_LIST_DIR}/../../build/cross/aarch64-linux-gnu
+    /usr/aarch64-linux-gnu)
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)

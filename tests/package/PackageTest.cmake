@@ -1,12 +1,12 @@
 # One step of the package tests: cmake -DSTEP=... -D... -P PackageTest.cmake
 #
-# - install: installs the build tree BUILD_DIR and moves the result to PREFIX
-# - build: configures SOURCE_DIR in BUILD_DIR with OPTIONS, builds, installs to PREFIX
-# - inspect: checks what lies in PREFIX
-# - find_package: builds and runs the consumer against PREFIX in the language version STANDARD
-# - pkg_config: the same by COMPILER alone, with what pkg-config says to PKG_CONFIG_FLAGS; the module
-#   must ask for REQUIRES_PRIVATE
-# - add_subdirectory, fetch_content: builds and runs a project that has SOURCE_DIR as a folder, or
+# * install: installs the build tree BUILD_DIR and moves the result to PREFIX
+# * build: configures SOURCE_DIR in BUILD_DIR with OPTIONS, builds, installs to PREFIX
+# * inspect: checks what lies in PREFIX
+# * find_package: builds and runs the consumer against PREFIX in the language version STANDARD
+# * pkg_config: the same by COMPILER alone, with what pkg-config says to PKG_CONFIG_FLAGS; the
+#   module must ask for REQUIRES_PRIVATE
+# * add_subdirectory, fetch_content: builds and runs a project that has SOURCE_DIR as a folder, or
 #   fetches it, with OPTIONS; with SPACES, by a path with spaces in its name
 #
 # The last four work in WORK_DIR. OPTIONS are separated by spaces.
