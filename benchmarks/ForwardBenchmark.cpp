@@ -157,8 +157,11 @@ void RegisterForward(const std::vector<Subject>& subjects) {
     // To the others every position is new: along a path they compute the same as anywhere.
     const auto registerOther = [&forward, &subject](const std::string& work, const std::string& who,
                                                     auto compute) {
-      Register(work + "/" + subject.name + who, forward, compute);
-      Register(work + "-path/" + subject.name + who, forward, compute);
+      for (const char* const way : {"/", "-path/"}) {
+        std::string name = work;
+        name.append(way).append(subject.name).append(who);
+        Register(name, forward, compute);
+      }
     };
     const auto eigenFrames = std::make_shared<EigenMachine::Frames>();
     registerOther("W1", "/eigen", [eigenFrames](Forward& f, std::size_t i) {

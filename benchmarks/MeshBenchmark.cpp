@@ -41,9 +41,9 @@ struct MeshFile {
         const unsigned int place = 3 * triangle + corner;
         vertexIndices[place] = place;
         normalIndices[place] = triangle;
-        vertices[place] =
-            Vector3D(triangle % 1000 + (corner == 1 ? 1 : 0),
-                     static_cast<double>(triangle / 1000) + (corner == 2 ? 1 : 0), 0.0);
+        const unsigned int x = triangle % 1000 + (corner == 1 ? 1U : 0U);
+        const unsigned int y = triangle / 1000 + (corner == 2 ? 1U : 0U);
+        vertices[place] = Vector3D(x, y, 0.0);
       }
     }
     Write(path);

@@ -3,7 +3,6 @@
 #include "compute/SameValue.h"
 
 #include <algorithm>
-#include <cstring>
 #include <optional>
 #include <utility>
 
@@ -21,7 +20,7 @@ std::optional<std::size_t> PlaceOf(const Entity* entity, std::size_t frameNb) {
 }
 
 bool HasExactUnitAxes(const TypedFrame& frame) {
-  return std::memcmp(frame.elements, IdentityFrame, 12 * sizeof(double)) == 0;
+  return std::equal(frame.elements, frame.elements + 12, IdentityFrame, IsSameValue);
 }
 
 // Products of two frames, written to two places, with half a column or a whole one to a register.

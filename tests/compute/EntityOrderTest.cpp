@@ -339,8 +339,8 @@ TEST(EntityOrder, DeepChainInReverseOrderIsPlaced) {
   ASSERT_TRUE(compute.ComputePositionMachine(position, &frames));
   ASSERT_EQ(frames.size(), static_cast<std::size_t>(Depth + 3));
   EXPECT_TRUE(SameBits(frames[Depth], TranslationFrame(1, 0, 0)));
-  EXPECT_TRUE(
-      SameBits(frames[Depth / 2], TranslationFrame(static_cast<double>(Depth / 2 + 1), 0, 0)));
+  constexpr int Middle = Depth / 2;
+  EXPECT_TRUE(SameBits(frames[Middle], TranslationFrame(Middle + 1, 0, 0)));
   EXPECT_TRUE(SameBits(frames[1], TranslationFrame(Depth, 0, 0)));
   EXPECT_TRUE(SameBits(frames[Depth + 1], TranslationFrame(Depth, 0, 0)));
 

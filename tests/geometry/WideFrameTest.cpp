@@ -18,6 +18,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
@@ -128,7 +129,9 @@ TEST(WideFrame, CopiesEveryBit) {
     }
     Copy copy;
     CopyWide(frame, copy.m);
-    ASSERT_EQ(std::memcmp(frame.m, copy.m, sizeof frame.m), 0);
+    for (int k = 0; k < 16; ++k) {
+      ASSERT_EQ(std::bit_cast<std::uint64_t>(frame.m[k]), std::bit_cast<std::uint64_t>(copy.m[k]));
+    }
     ASSERT_EQ(copy.before, 4.0);
     ASSERT_EQ(copy.after, 5.0);
   }
