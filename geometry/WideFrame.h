@@ -6,7 +6,8 @@
 // is marked ORVO_WIDE may only be called where HasWideLanes(). Without fused multiply-add, so that
 // all bits are those of FrameKernel.h.
 
-#if defined(__x86_64__) && defined(__GNUC__)
+// Not on Windows, where g++ may put such registers on the stack unaligned.
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(_WIN32)
 #define ORVO_WIDE __attribute__((target("avx")))
 #include <immintrin.h>
 #endif
