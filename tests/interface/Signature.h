@@ -27,5 +27,7 @@ constexpr bool HasVirtualDestructor =
 }  // namespace Orvo::Testing
 
 /// Asserts that a member has exactly this type, const-ness, parameters and result included.
+// NOLINTBEGIN(bugprone-macro-parentheses): a type and a name, which take no parentheses.
 #define ORVO_EXPECT_MEMBER(type, member) \
   static_assert(::Orvo::Testing::IsMember<static_cast<type>(&member)>)
+// NOLINTEND(bugprone-macro-parentheses)
