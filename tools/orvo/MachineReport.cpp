@@ -74,7 +74,7 @@ bool IsMoving(const Entity& entity) {
 }
 
 std::string KindOf(const Entity& entity) {
-  const std::string link = GetLinkWord(entity.GetEntityLink().GetEntityLinkType());
+  std::string link = GetLinkWord(entity.GetEntityLink().GetEntityLinkType());
   const bool isFixed = link == "static";
   switch (entity.GetEntityType()) {
     case Orvo::Kin::EntityTypeHead:
