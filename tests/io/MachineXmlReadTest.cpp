@@ -265,16 +265,16 @@ TEST(MachineXmlRead, IntegersStartTheirTexts) {
 
 // The rows of a link in the order in which they are read.
 const std::vector<std::string>& LinkRows() {
-  // NOLINTNEXTLINE(bugprone-suspicious-missing-comma): one row takes two lines.
-  static const std::vector<std::string> rows = {
-      "<Type>ROTARY</Type>",
-      "<Center X=\"1.5\" Y=\"-2.5\" Z=\"3.5\"/>",
-      "<Dir X=\"0\" Y=\"0\" Z=\"4\"/>",
+  static const std::string position =
       "<Position><U X=\"0\" Y=\"1\" Z=\"0\"/><V X=\"0\" Y=\"0\" Z=\"1\"/><W X=\"1\" Y=\"0\" "
-      "Z=\"0\"/><T X=\"10\" Y=\"20\" Z=\"30\"/></Position>",
-      "<ZeroRef>7.25</ZeroRef>",
-      "<RangeMin>-90.5</RangeMin>",
-      "<RangeMax>120.5</RangeMax>"};
+      "Z=\"0\"/><T X=\"10\" Y=\"20\" Z=\"30\"/></Position>";
+  static const std::vector<std::string> rows = {"<Type>ROTARY</Type>",
+                                                "<Center X=\"1.5\" Y=\"-2.5\" Z=\"3.5\"/>",
+                                                "<Dir X=\"0\" Y=\"0\" Z=\"4\"/>",
+                                                position,
+                                                "<ZeroRef>7.25</ZeroRef>",
+                                                "<RangeMin>-90.5</RangeMin>",
+                                                "<RangeMax>120.5</RangeMax>"};
   return rows;
 }
 

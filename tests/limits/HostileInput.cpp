@@ -291,8 +291,8 @@ void AddMarkup(InputList* list) {
     return [text] { return MachineText(WholeMachine(), text()); };
   };
   list->AddRefused("empty file", [] { return std::string(); });
-  list->AddRefused("a long run of <", [list_ = list->Many(16000000)] {
-    return std::string(static_cast<std::size_t>(list_), '<');
+  list->AddRefused("a long run of <", [count = list->Many(16000000)] {
+    return std::string(static_cast<std::size_t>(count), '<');
   });
   const int size = list->Many(16000000);
   list->AddRefused("only blanks",

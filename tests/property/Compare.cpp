@@ -2,7 +2,9 @@
 
 #include <Orvo/Kin/Register.h>
 
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 
@@ -15,7 +17,7 @@ bool SameDouble(double a, double b) {
   if (std::isnan(a) || std::isnan(b)) {
     return std::isnan(a) && std::isnan(b);
   }
-  return std::memcmp(&a, &b, sizeof a) == 0;
+  return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
 }
 
 bool SameTriple(const Vector3D& v, double x, double y, double z) {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <type_traits>
 
 namespace Reference {
 namespace {
@@ -183,7 +184,8 @@ bool IsBlank(wchar_t c) {
 }
 
 bool IsCharacter(wchar_t c) {
-  const std::uint32_t code = static_cast<std::uint32_t>(c);
+  const std::uint32_t code =
+      static_cast<std::uint32_t>(static_cast<std::make_unsigned_t<wchar_t>>(c));
   return code < 0x110000 && !(code >= 0xD800 && code <= 0xDFFF);
 }
 

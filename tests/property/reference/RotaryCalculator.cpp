@@ -80,9 +80,8 @@ void Calculator::SolveTwoAxes(const Vector& axis1, const Vector& axis2, const Ve
   intersections_.LinePlane(plane, outer, &q, intersections_.tolLinePlane);
   const Vector from = Difference(p2, q);
   const Vector to = Difference(u, q);
-  if (!SignedAngle(from, to, axis2, &solution->beta1)) {
-    solution->freeRegister = reg2;
-  } else if (IsSame(from, to, 1e-5) && IsColinear(axis2, to, 1e-5, nullptr)) {
+  if (!SignedAngle(from, to, axis2, &solution->beta1) ||
+      (IsSame(from, to, 1e-5) && IsColinear(axis2, to, 1e-5, nullptr))) {
     solution->freeRegister = reg2;
   }
   if (distinct) {
