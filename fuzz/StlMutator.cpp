@@ -84,7 +84,7 @@ std::size_t MutateStl(std::uint8_t* data, std::size_t size, std::size_t maxSize,
       break;
   }
   const std::size_t newSize = std::min(bytes.size(), maxSize);
-  std::memcpy(data, bytes.data(), newSize);
+  std::copy_n(bytes.data(), newSize, data);
   return newSize;
 }
 

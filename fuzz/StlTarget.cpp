@@ -100,7 +100,7 @@ void WriteMeshOf(std::string_view text, const InputFile& written) {
   const bool isSound = IsSound(*mesh, &triangleNb);
   Kin::EntityMesh meshes;
   meshes.AddMesh(mesh.get(), 0);
-  mesh.release();
+  static_cast<void>(mesh.release());
   Require(meshes.WriteCadStlBin(written.Path(), 0) == isSound,
           "a mesh is written when its indices lie within their arrays");
   Require(!isSound || written.Read().size() == 84 + 50 * triangleNb, "triangles are written");

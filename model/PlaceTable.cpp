@@ -12,8 +12,9 @@ PlaceTable::PlaceTable(std::size_t size, bool isVector) : isVector_(isVector) {
     vector_.resize(size);
     return;
   }
-  elements_.reset(static_cast<const Entity**>(
-      std::calloc(std::max<std::size_t>(size, 1), sizeof(const Entity*))));
+  // NOLINTNEXTLINE(bugprone-sizeof-expression): a table of pointers
+  void* const zeros = std::calloc(std::max<std::size_t>(size, 1), sizeof(const Entity*));
+  elements_.reset(static_cast<const Entity**>(zeros));
   if (elements_ == nullptr) {
     throw std::bad_alloc();
   }

@@ -21,7 +21,9 @@ std::string SolveLine(const std::string& output) {
 // The result takes its name when it is whole, and replaces an older one.
 TEST(OutputFile, OlderResultIsReplaced) {
   const ToolRun tool;
-  tool.Write("axes.csv", std::string(10000000, 'x'));
+  std::string older;
+  older.resize(10000000, 'x');
+  tool.Write("axes.csv", older);
   EXPECT_EQ(tool.Shell(SolveLine("axes.csv")).status, 0);
   EXPECT_EQ(Lines(tool.Folder().Read("axes.csv")).size(), 34115U);
   EXPECT_EQ(tool.CountFiles(), 1U);
