@@ -75,23 +75,21 @@ bool AllFrames::Build(const std::vector<const Entity*>& entities, std::size_t fr
     if (element.link.IsAxis()) {
       axes_.push_back({reg, elements_.data() + elements_.size(), 0.0});
     }
-    unturnedNb_ += element.link.IsUnturned() ? 1 : 0;
     elements_.push_back(std::move(element));
     elementAt[elements_.back().place] = &elements_.back();
   }
-  FindProducts();
   return true;
 }
 
-// A rotary axis that is turned has a frame of its own kind; with that, the kinds of all frames are
-// known before their numbers are. And products of exact unit axes need not be computed.
+// The kinds of all frames are known before their numbers are; they change when a rotary axis comes
+// to stand at 0, or leaves it. Products of exact unit axes need not be computed.
 void AllFrames::FindProducts() {
+  areKindsKnown_ = true;
   for (std::size_t i = 1; i < elements_.size(); ++i) {
     Element& element = elements_[i];
     const KeptLink& link = element.link;
     const Element& parent = *element.parent;
-    const Matrix43::Type linkType =
-        link.IsRotary() ? Matrix43::RotationTranslation : link.Frame().type;
+    const Matrix43::Type linkType = link.Frame().type;
     element.product = KindOfProduct(parent.product.type, linkType);
     const bool isShift = linkType == Matrix43::Translation && HasExactUnitAxes(link.Frame());
     if (isShift && parent.isShifted && element.product.rule == ProductRule::Affine) {
@@ -107,17 +105,17 @@ void AllFrames::FindProducts() {
 void AllFrames::Compute(const double* values, Matrix43* frames) {
   ++callNb_;
   SetAxisValues(values);
-  if (unturnedNb_ != 0) {
-    MultiplyAny(frames);
-    return;
+  if (!areKindsKnown_) {
+    FindProducts();
+    elements_.front().callNb = callNb_;
   }
 #ifdef ORVO_WIDE
   if (isWide_) {
-    MultiplyUsualWide(frames);
+    MultiplyWide(frames);
     return;
   }
 #endif
-  MultiplyUsual<Narrow>(frames);
+  Multiply<Narrow>(frames);
 }
 
 inline void AllFrames::SetAxisValues(const double* values) {
@@ -127,40 +125,18 @@ inline void AllFrames::SetAxisValues(const double* values) {
       axis.value = value;
       axis.element->callNb = callNb_;
       KeptLink& link = axis.element->link;
-      unturnedNb_ -= link.IsUnturned() ? 1 : 0;
+      const Matrix43::Type typeBefore = link.Frame().type;
       link.SetAxisValue(value);
-      unturnedNb_ += link.IsUnturned() ? 1 : 0;
+      areKindsKnown_ = areKindsKnown_ && link.Frame().type == typeBefore;
     }
   }
 }
 
-void AllFrames::MultiplyAny(Matrix43* frames) {
-  isComputed_ = false;
-  const Matrix43 identity;
-  const Element* const world = elements_.data();
-  for (std::size_t i = 1; i < elements_.size(); ++i) {
-    const Element& element = elements_[i];
-    const TypedFrame& link = element.link.Frame();
-    Matrix43& frame = frames[element.place];
-    const Matrix43& parent = element.parent == world ? identity : frames[element.parent->place];
-    const Matrix43::Type parentType = FrameAccess::Type(parent);
-    // An identity is not written onto an identity.
-    if (parentType == Matrix43::Identity && link.type == Matrix43::Identity &&
-        FrameAccess::Type(frame) == Matrix43::Identity) {
-      continue;
-    }
-    FrameAccess::SetType(
-        &frame, MultiplyFrames(FrameAccess::Elements(parent), parentType, link.elements, link.type,
-                               FrameAccess::Elements(&frame)));
-  }
-}
-
-// Goes down from the elements whose links changed, and only copies the other frames.
+// Goes down from the elements whose links changed, from the world after a change of kinds, and only
+// copies the other frames.
 template <typename Width>
-inline void AllFrames::MultiplyUsual(Matrix43* frames) {
+inline void AllFrames::Multiply(Matrix43* frames) {
   const std::uint64_t callNb = callNb_;
-  elements_.front().callNb = isComputed_ ? 0 : callNb;
-  isComputed_ = true;
   Element* const end = elements_.data() + elements_.size();
   for (Element* element = elements_.data() + 1; element != end; ++element) {
     Matrix43& frame = frames[element->place];
@@ -186,7 +162,7 @@ inline void AllFrames::MultiplyUsual(Matrix43* frames) {
 }
 
 #ifdef ORVO_WIDE
-ORVO_WIDE void AllFrames::MultiplyUsualWide(Matrix43* frames) { MultiplyUsual<Wide>(frames); }
+ORVO_WIDE void AllFrames::MultiplyWide(Matrix43* frames) { Multiply<Wide>(frames); }
 #endif
 
 }  // namespace Orvo::Kin

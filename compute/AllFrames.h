@@ -34,7 +34,7 @@ class AllFrames {
     std::size_t place = 0;
     const Element* parent = nullptr;  // among the same elements, before this one
 
-    // How the frame comes about and its kind, as long as no rotary axis is exactly at 0.
+    // How the frame comes about, and its kind.
     ProductKind product{};
     bool isShifted = false;  // a Translation, with exact unit axes; or products of such
 
@@ -51,17 +51,15 @@ class AllFrames {
 
   void FindProducts();
   void SetAxisValues(const double* values);
-  void MultiplyAny(Matrix43* frames);
   template <typename Width>
-  void MultiplyUsual(Matrix43* frames);
-  void MultiplyUsualWide(Matrix43* frames);
+  void Multiply(Matrix43* frames);
+  void MultiplyWide(Matrix43* frames);
 
   std::vector<Element> elements_;
   std::vector<Axis> axes_;
   std::size_t registerBound_ = 0;
-  int unturnedNb_ = 0;  // rotary axes that are exactly at 0
   std::uint64_t callNb_ = 0;
-  bool isComputed_ = false;
+  bool areKindsKnown_ = false;
   bool isWide_ = HasWideLanes();
 };
 

@@ -78,9 +78,6 @@ class KeptLink {
 
   const TypedFrame& Frame() const { return frame_; }
 
-  /// Tells whether a rotary axis stands exactly at 0: its frame is of another kind then.
-  bool IsUnturned() const { return IsRotary() && frame_.type == Matrix43::Translation; }
-
  private:
   enum class Kind {
     Fixed,  ///< IDENTITY and POSITION
