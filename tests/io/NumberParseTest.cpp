@@ -243,7 +243,8 @@ TEST(NumberParse, AgreesWithTheCLibraryOnShortDecimals) {
     const int length = random.Integer(1, random.Chance(0.7) ? 10 : 24);
     const int point = random.Integer(-4, length);
     for (int k = 0; k < length; ++k) {
-      text += k == point ? L'.' : static_cast<wchar_t>(L'0' + random.Integer(0, 9));
+      text +=
+          k == point ? L'.' : static_cast<wchar_t>(static_cast<int>(L'0') + random.Integer(0, 9));
     }
     if (random.Chance(0.3)) {
       text.insert(0, 1, random.Chance(0.8) ? L'-' : L'+');
