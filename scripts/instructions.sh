@@ -24,6 +24,11 @@ case ${1:-} in
     ;;
 esac
 
+if ! grep -qw avx /proc/cpuinfo; then
+  echo "instructions.sh: SKIPPED, the recorded counts are those of a processor with AVX"
+  exit 0
+fi
+
 cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DORVO_BUILD_BENCHMARKS=ON \
   -DORVO_BUILD_TOOLS=OFF -DBUILD_TESTING=OFF >/dev/null
 cmake --build "$build" --target orvo_repeat >/dev/null
