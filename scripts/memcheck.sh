@@ -24,8 +24,10 @@ if ! cmake --build "$build" -j "$jobs" --target "${programs[@]}" >"$build/memche
   exit 1
 fi
 
-# Memcheck keeps notes on every byte that is allocated, so that tests of resident memory measure those.
-resident='HostileStl.CountCostsAddressesAndNoMemory:HostileStl.LargestCountsGiveZeroPagesOrThrow'
+# Memcheck keeps notes on every byte that is allocated, so that tests of resident memory measure those;
+# and it rounds to nearest, whatever a program asks for.
+left_out='HostileStl.CountCostsAddressesAndNoMemory:HostileStl.LargestCountsGiveZeroPagesOrThrow'
+left_out+=':NumberParse.AgreesWithTheCLibraryInEveryRounding'
 
 # Random tests run few cases. Tests count allocations by an operator new of their own, which memcheck
 # leaves alone.
@@ -36,7 +38,7 @@ check() {
   ORVO_TEST_CASES=1 valgrind --quiet --error-exitcode=99 --leak-check=full --num-callers=30 \
     --errors-for-leak-kinds=definite,indirect,possible --soname-synonyms=somalloc=nouserintercepts \
     --suppressions=tests/valgrind.supp "$path" --gtest_brief=1 \
-    --gtest_filter="-$resident" >"$log" 2>&1 || status=$?
+    --gtest_filter="-$left_out" >"$log" 2>&1 || status=$?
   if [ "$status" -eq 0 ]; then
     echo "$program: $(sed -n 's/^\[==========\] \(.*\) ran\..*/\1/p' "$log"), nothing found"
   else
@@ -46,5 +48,5 @@ check() {
   return "$status"
 }
 export -f check
-export build resident
+export build left_out
 printf '%s\n' "${programs[@]}" | xargs -P "$jobs" -I{} bash -c 'check {}'
