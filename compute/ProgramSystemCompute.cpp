@@ -55,7 +55,7 @@ bool CheckLinearAxes(const ProgramSystemComputeImplementation& record, bool* inR
     if (inRange != nullptr) {
       inRange[i] = true;
     }
-    const Register& reg = record.programSystem.GetMainLinear(i);
+    const Register& reg = record.linears[i];
     const double value = getValue(i, reg);
     const Entity* const entity = record.machine->GetKinematic().GetEntity(reg);
     if (IsRangeChecked(entity) &&

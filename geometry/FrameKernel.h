@@ -182,20 +182,6 @@ inline Matrix43::Type MultiplyFrames(const double* a, Matrix43::Type aType, cons
   return kind.type;
 }
 
-/// Returns the image of a point, x, y, z with w 0, under a frame of a kind other than Projective.
-inline Lanes ApplyFrameToPoint(const double* m, Matrix43::Type type, const double* p) {
-  switch (type) {
-    case Matrix43::Identity:
-      return WithW(LoadLanes(p), 0.0);
-    case Matrix43::Rotation:
-      return WithW(CombineColumns(m, p[0], p[1], p[2]), 0.0);
-    case Matrix43::Translation:
-      return WithW(Add(LoadLanes(p), LoadLanes(m + 12)), 0.0);
-    default:
-      return WithW(ImageOfPoint(m, p[0], p[1], p[2]), 0.0);
-  }
-}
-
 /// Returns the image of a direction under a frame of a kind other than Projective.
 inline Lanes ApplyFrameToDirection(const double* m, Matrix43::Type type, const double* v) {
   return type == Matrix43::Identity || type == Matrix43::Translation
