@@ -1,4 +1,5 @@
 #include "support/FaultReport.h"
+#include "support/Sanitizers.h"
 #include "tools/ToolRun.h"
 
 #include <gmock/gmock.h>
@@ -86,13 +87,18 @@ class ToolFaults : public testing::Test {
     return result.status == 0 ? FaultEnding::Completed : FaultEnding::Failed;
   }
 
-  /// Runs a command with a call of a kind failing in turn; with many calls, some of them.
+  /// Runs a command with each call of a kind failing in turn; where AddressSanitizer makes every
+  /// start slow and there are many calls, some of them.
   void FailCalls(const Command& command, const CallFault& fault) {
     const ToolResult undisturbed = RunWith(command, fault, 1000000000);
     ASSERT_EQ(undisturbed.status, 0) << undisturbed.err;
     const std::string axes = command.hasFile ? tool_.Folder().Read("axes.csv") : "";
     const std::size_t callNb = CallNb();
+#if defined(ORVO_TEST_HAS_ADDRESS_SANITIZER)
     const std::size_t step = std::max<std::size_t>(1, callNb / 40);
+#else
+    const std::size_t step = 1;
+#endif
     EXPECT_GT(callNb, 0U);
     for (std::size_t place = 0; place < callNb && !HasFailure();
          place += place < 20 || place + 20 > callNb ? 1 : step) {

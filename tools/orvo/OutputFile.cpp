@@ -9,6 +9,7 @@
 #include <charconv>
 #include <random>
 #include <system_error>
+#include <utility>
 
 namespace OrvoTool {
 namespace {
@@ -25,8 +26,11 @@ std::string RandomPart() {
 
 }  // namespace
 
-OutputFile::OutputFile(const std::string& name)
-    : shownName_(Printable(name)), target_(FileFromUtf8(name)) {
+OutputFile::OutputFile(std::string shownName, std::filesystem::path target)
+    : shownName_(std::move(shownName)), target_(std::move(target)) {}
+
+// The destructor runs for all that this body throws: the object is whole after the other one.
+OutputFile::OutputFile(const std::string& name) : OutputFile(Printable(name), FileFromUtf8(name)) {
   std::error_code error;
   const std::filesystem::file_status status = std::filesystem::status(target_, error);
   if (std::filesystem::is_directory(status)) {
@@ -37,15 +41,14 @@ OutputFile::OutputFile(const std::string& name)
     const std::filesystem::path resolved = std::filesystem::canonical(target_, error);
     target_ = error ? target_ : resolved;
   }
-  isTemporary_ = !std::filesystem::exists(status) || std::filesystem::is_regular_file(status);
   written_ = target_;
-  if (isTemporary_) {
-    written_ += "." + RandomPart() + ".part";
-  }
   ReportFileSizeLimit();
-  if (isTemporary_) {
+  if (!std::filesystem::exists(status) || std::filesystem::is_regular_file(status)) {
+    written_ += "." + RandomPart() + ".part";
     RemoveWhenInterrupted(written_);
+    isTemporary_ = true;
   }
+  pending_.reserve(2 * PendingBytes);
   errno = 0;
   stream_.rdbuf()->pubsetbuf(nullptr, 0);
   stream_.open(written_, std::ios::binary | std::ios::trunc);
@@ -54,7 +57,6 @@ OutputFile::OutputFile(const std::string& name)
     isTemporary_ = false;
     Blame("can't be made");
   }
-  pending_.reserve(2 * PendingBytes);
 }
 
 OutputFile::~OutputFile() {

@@ -33,6 +33,8 @@ class OutputFile {
   void Finish();
 
  private:
+  OutputFile(std::string shownName, std::filesystem::path target);
+
   [[noreturn]] void Blame(const std::string& what);
   void Flush();
 
