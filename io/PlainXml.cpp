@@ -40,7 +40,8 @@ constexpr std::array<unsigned char, 256> MakeKinds() {
   add("0123456789-.", NamePart);
   add(" \t\n\r", Space);
   add(std::string_view("\0&\r", 3), TextStop | DoubleQuoteStop | SingleQuoteStop);
-  add("<", TextStop);
+  // The parser takes these two for white space, which is no text where it stands alone.
+  add("<\v\f", TextStop);
   add("\"", DoubleQuoteStop);
   add("'", SingleQuoteStop);
   return kinds;

@@ -148,6 +148,8 @@ TEST(PlainXml, PlainTextsMeanWhatTheParserSays) {
       "<a a='' />",
       "<a a='1' >text</a>",
       "<a a='x\ny'/>",
+      "<a a='\v'/>",
+      "<!--\f--><a/>",
       "<a><a><a/></a></a>",
       "<a><a/><b/><a/></a>",
       "<a-b.c_d9><b/></a-b.c_d9>",
@@ -203,6 +205,11 @@ TEST(PlainXml, OtherTextsAreLeftToTheParser) {
       "<a>&am</a>",
       "<a a='&amp;'/>",
       "<a>x\ry</a>",
+      "<a>\v</a>",
+      "<a> \f</a>",
+      "<a>x\vy</a>",
+      "<a\v/>",
+      "\f<a/>",
       "<a>\r\ntext</a>",
       "<a a='\r\n'/>",
       "<a a='1' a='2'/>",
@@ -241,6 +248,24 @@ TEST(PlainXml, OtherTextsAreLeftToTheParser) {
   };
   for (const std::string& text : otherTexts) {
     EXPECT_FALSE(IsPlain(text)) << text.substr(0, 60);
+  }
+}
+
+TEST(PlainXml, EveryByteEverywhereMeansWhatTheParserSays) {
+  for (const std::string whole : {"<a></a>", "<a> </a>", "<a>x y</a>", "<a>&lt;</a>", "<a b='1'/>",
+                                  "<!-- c --><a><b/> <c/>x</a> ", "<?d ?><a>x<!-- c --></a>"}) {
+    for (std::size_t place = 0; place <= whole.size(); ++place) {
+      for (int byte = 0; byte < 256; ++byte) {
+        SCOPED_TRACE(whole + ", at " + std::to_string(place) + " the byte " + std::to_string(byte));
+        std::string text = whole;
+        text.insert(place, 1, static_cast<char>(byte));
+        ASSERT_TRUE(AgreesWithTheParser(text));
+        if (place < whole.size()) {
+          text.erase(place + 1, 1);
+          ASSERT_TRUE(AgreesWithTheParser(text));
+        }
+      }
+    }
   }
 }
 
@@ -381,7 +406,7 @@ class TextDraw {
 
   // Drops, doubles or replaces a few bytes.
   void Change(std::string* text) {
-    static constexpr char Bytes[] = "<>/='\" ab&!-?[]\n\r\t\0\xEF.";
+    static constexpr char Bytes[] = "<>/='\" ab&!-?[]\n\r\t\v\f\0\xEF.";
     const auto place =
         static_cast<std::size_t>(random_->Integer(0, static_cast<int>(text->size()) - 1));
     const auto length = static_cast<std::size_t>(random_->Integer(0, 2));
