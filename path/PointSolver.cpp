@@ -59,6 +59,7 @@ PointSolverImplementation::PointSolverImplementation(const Kin::Machine& machine
       axes(machine, system),
       offset(toolOffset),
       base(BaseOf(machine, axes, position)),
+      start(axes.Take(position)),
       scratch(base),
       model(compute, programSystem, axes, base, offset),
       reach(model, axes),
@@ -79,8 +80,12 @@ int PointSolverImplementation::FindSeeds(const Vec3& direction, double singularA
   // two solutions for one where they meet.
   constexpr double nearSingular = 1e-3;
   const bool isWhole = count == 2 && solution.FreeRegister < 0 && singularAngle > nearSingular;
-  if (!isWhole && reach.IsValid() && reach.HasInner()) {
+  if (reach.IsValid() && !(isWhole && reach.HasInner())) {
+    // An axis too many stays where it is at the start: one that does not move the direction, or one
+    // parallel to the other.
     Seeds exact;
+    exact[0] = {RadFromDeg(start[FirstRotary]), RadFromDeg(start[FirstRotary + 1])};
+    exact[1] = exact[0];
     const int exactCount = reach.Solve(model, direction, &exact);
     if (exactCount > 0) {
       *seeds = exact;
@@ -219,19 +224,50 @@ bool PointSolver::SolveHeld(const ToolPoint& point, double heldDeg, Answer* answ
   return hasLinear;
 }
 
-Residual PointSolver::Check(const ToolPoint& point, const AxisValues& values) {
+bool PointSolver::ComputeLinearSlopes(const AxisValues& values, std::array<Vector3D, 3>* slopes) {
+  const PointSolverImplementation& own = *implementation_;
+  if (!own.model.IsValid()) {
+    return false;
+  }
+  const ChainModel::Trig trig =
+      ChainModel::MakeTrig({RadFromDeg(values[FirstRotary]), RadFromDeg(values[FirstRotary + 1])});
+  const Vec3 tip = own.model.TipAtZero(trig);
+  const Vec3 steps[] = {{1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, {0.0, 0.0, 1.0}};
+  for (int k = 0; k < 3; ++k) {
+    double change[3];
+    if (!own.model.SolveLinear(trig, tip + steps[k], change)) {
+      return false;
+    }
+    for (std::size_t i = 0; i < 3; ++i) {
+      (*slopes)[i][k] = change[i];
+    }
+  }
+  return true;
+}
+
+bool PointSolver::ComputeTool(const AxisValues& values, Vector3D* tip, Vector3D* direction) {
   PointSolverImplementation& own = *implementation_;
+  own.axes.Put(values, &own.scratch);
+  Matrix43 frame;
+  if (!own.compute.ComputeMcsToToolTcs(own.scratch, own.programSystem.GetHeadIndex(),
+                                       own.programSystem.GetTableIndex(), own.offset, &frame)) {
+    return false;
+  }
+  *tip = frame.GetTrans();
+  *direction = frame.GetW();
+  return true;
+}
+
+Residual PointSolver::Check(const ToolPoint& point, const AxisValues& values) {
   constexpr double infinity = std::numeric_limits<double>::infinity();
   Residual residual = {infinity, infinity};
   Vec3 tip;
   Vec3 direction;
-  own.axes.Put(values, &own.scratch);
-  Matrix43 frame;
-  if (TakeRequest(point, &tip, &direction) &&
-      own.compute.ComputeMcsToToolTcs(own.scratch, own.programSystem.GetHeadIndex(),
-                                      own.programSystem.GetTableIndex(), own.offset, &frame)) {
-    residual.tip = Norm(FromVector(frame.GetTrans()) - tip);
-    residual.direction = AngleBetween(FromVector(frame.GetW()), direction);
+  Vector3D reachedTip;
+  Vector3D reachedDirection;
+  if (TakeRequest(point, &tip, &direction) && ComputeTool(values, &reachedTip, &reachedDirection)) {
+    residual.tip = Norm(FromVector(reachedTip) - tip);
+    residual.direction = AngleBetween(FromVector(reachedDirection), direction);
   }
   return residual;
 }

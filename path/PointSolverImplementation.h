@@ -30,6 +30,7 @@ struct PointSolverImplementation {
   MainAxes axes;
   Vector3D offset;
   Kin::MachinePosition base;     ///< where the other axes stand, the main ones at 0
+  AxisValues start;              ///< where the main ones stand at first
   Kin::MachinePosition scratch;  ///< for single calls
   ChainModel model;
   RotaryReach reach;

@@ -91,7 +91,7 @@ int RotaryReach::Solve(const ChainModel& model, const Vec3& direction,
   const int count = turn > 0.0 && turn < Pi ? 2 : 1;
   for (int i = 0; i < count; ++i) {
     std::array<double, 2>& angles = (*rad)[static_cast<std::size_t>(i)];
-    angles = {0.0, 0.0};
+    angles[outer_] = 0.0;
     if (span_ > 0.0) {
       angles[inner] = std::remainder(phase_ + (i == 0 ? turn : -turn), 2.0 * Pi);
     }

@@ -38,7 +38,8 @@ class RotaryReach {
   /// Tells whether the singular direction on the side of a direction can be reached.
   bool ReachesPole(const Vec3& direction) const;
 
-  /// Computes the angles that give a unit direction.
+  /// Computes the angles that give a unit direction. An inner axis that does not decide the height
+  /// keeps the angle that @p rad has.
   /// @return how many pairs there are: 0, 1 or 2
   int Solve(const ChainModel& model, const Vec3& direction,
             std::array<std::array<double, 2>, 2>* rad) const;

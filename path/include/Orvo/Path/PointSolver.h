@@ -70,8 +70,9 @@ struct Residual {
 /// The rotary solutions are those of Kin::MachineCompute, polished by Newton steps until forward
 /// kinematics gives the direction back; a second one that its tolerances took for the first, near
 /// singular directions, is there too. The linear values solve the general system of three axes, so
-/// oblique ones are met as well. Ranges are those of the machine; a value counts as inside up to
-/// 1e-9 beyond a limit.
+/// oblique ones are met as well. An axis too many, one that does not move the direction or is
+/// parallel to the other rotary one, stays where it stood first. Ranges are those of the machine; a
+/// value counts as inside up to 1e-9 beyond a limit.
 ///
 /// The machine must outlive the solver and not change meanwhile. One thread per solver: each has a
 /// calculator of its own.
@@ -110,6 +111,15 @@ class ORVO_PATH_API PointSolver {
   /// @param heldDeg  the value of the free axis, in degrees; it comes out as given
   /// @return false where there is no free axis or no linear solution
   bool SolveHeld(const ToolPoint& point, double heldDeg, Answer* answer);
+
+  /// Computes how the linear values of a point change when the point moves and the rotary axes
+  /// stand: value i by the dot product of slope i and the move.
+  /// @param values  only the rotary ones count
+  /// @return false where the linear axes don't span space, or the chain is not one of two turns
+  bool ComputeLinearSlopes(const AxisValues& values, std::array<Vector3D, 3>* slopes);
+
+  /// Computes where forward kinematics puts the tool, in the table's frame; false where it fails.
+  bool ComputeTool(const AxisValues& values, Vector3D* tip, Vector3D* direction);
 
   /// Tells how far forward kinematics comes out from a point; infinities where it fails.
   Residual Check(const ToolPoint& point, const AxisValues& values);
