@@ -4,38 +4,43 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <limits>
 
 namespace Orvo::Path {
 namespace {
 
-/// Of each axis, so many equivalents around the nearest one are taken at most.
+/// Of each axis, so many equivalents on each side of the nearest one are taken at most.
 constexpr double MaxTurns = 512.0;
 constexpr double MaxApproachTurns = 32.0;
 
-/// Up to so many states are told apart by looking at all of them.
-constexpr std::size_t FewStates = 16;
+/// With more equivalents than this at a point, states are found by search.
+constexpr double MaxSlots = 65536.0;
 
 /// Two ways round are equally long when they differ by less, in turns.
 constexpr double SameTurn = 1e-12;
 
-std::uint64_t KeyOf(const PathState& state) {
-  std::uint64_t bits[2];
-  std::memcpy(bits, &state.values[FirstRotary], sizeof bits);
-  const std::uint64_t kind = state.choice >> 30U;
-  return (bits[0] * 0x9E3779B97F4A7C15ULL) ^ ((bits[1] << 1U) * 0xC2B2AE3D27D4EB4FULL + kind);
+/// Half a turn, and what rounding may add to it.
+constexpr double HalfTurnDeg = 180.0 + 1e-9;
+
+PathStep::Kind KindOf(const PathState& state) {
+  return static_cast<PathStep::Kind>(state.choice >> 30U);
 }
 
 bool IsSamePlace(const PathState& a, const PathState& b) {
-  return (a.choice >> 30U) == (b.choice >> 30U) && a.values[FirstRotary] == b.values[FirstRotary] &&
+  return KindOf(a) == KindOf(b) && a.values[FirstRotary] == b.values[FirstRotary] &&
          a.values[FirstRotary + 1] == b.values[FirstRotary + 1];
 }
 
 }  // namespace
 
 TurnLattice::TurnLattice(const MainAxes& axes, const PathMeasure& measure, Mode mode)
-    : axes_(&axes), measure_(&measure), mode_(mode) {}
+    : axes_(&axes), measure_(&measure), mode_(mode) {
+  for (std::size_t i = 0; i < 2; ++i) {
+    const MainAxis& axis = axes.axes[FirstRotary + i];
+    isBounded_[i] = axis.isPresent && axis.isChecked;
+    isFree_[i] = isBounded_[i] && axis.max - axis.min + 4.0 * RangeTolerance >= 360.0;
+  }
+}
 
 std::size_t TurnLattice::FindBest() const {
   std::size_t best = 0;
@@ -45,137 +50,199 @@ std::size_t TurnLattice::FindBest() const {
   return best;
 }
 
-void TurnLattice::ListTurns(std::size_t axis, double deg, double referenceDeg, double most,
+double TurnLattice::BoundOf(PathStep::Kind kind, double excess) const {
+  double cost = std::numeric_limits<double>::infinity();
+  for (const PathState& state : states_) {
+    cost = KindOf(state) == kind ? std::min(cost, state.cost) : cost;
+  }
+  return cost + excess;
+}
+
+void TurnLattice::FindTargets(const Answers& answers, bool isApproach, const TurnLattice* relaxed,
+                              double excess) {
+  targets_.clear();
+  std::size_t slotNb = 0;
+  for (int s = 0; s < answers.count; ++s) {
+    Target target;
+    target.answer = &answers.answers[static_cast<std::size_t>(s)];
+    if (!target.answer->IsInRange()) {
+      continue;
+    }
+    target.kind = s == 0 ? PathStep::First : PathStep::Second;
+    target.bound = relaxed != nullptr && !isApproach ? relaxed->BoundOf(target.kind, excess)
+                                                     : std::numeric_limits<double>::infinity();
+    std::array<double, 2> count = {1.0, 1.0};
+    for (std::size_t i = 0; i < 2; ++i) {
+      const Turns range =
+          TurnsInRange(axes_->axes[FirstRotary + i], target.answer->values[FirstRotary + i]);
+      target.first[i] = range.first;
+      target.last[i] = range.last;
+      count[i] = range.last - range.first + 1.0;
+    }
+    const bool isBounded = (isBounded_[0] || !axes_->axes[FirstRotary].isPresent) &&
+                           (isBounded_[1] || !axes_->axes[FirstRotary + 1].isPresent);
+    if (mode_ != Mode::Relaxed && isBounded && count[0] * count[1] <= MaxSlots) {
+      target.slot = slotNb;
+      target.width = static_cast<std::size_t>(count[1]);
+      slotNb += static_cast<std::size_t>(count[0] * count[1]);
+    }
+    targets_.push_back(target);
+  }
+  slots_.assign(slotNb, 0);
+}
+
+void TurnLattice::ListTurns(std::size_t i, const Target& target, const PathState& from, double most,
                             TurnList* list) const {
-  const MainAxis& bounds = axes_->axes[axis];
-  list->taken.clear();
-  const double turns = (referenceDeg - deg) / 360.0;
-  list->nearest = NearestTurns(deg, referenceDeg);
-  if (mode_ == Mode::Relaxed || !bounds.isPresent || !bounds.isChecked) {
-    list->taken.push_back(bounds.isPresent ? list->nearest : 0.0);
+  const std::size_t place = FirstRotary + i;
+  const double deg = target.answer->values[place];
+  const double fromDeg = from.values[place];
+  const double turns = (fromDeg - deg) / 360.0;
+  const double first = target.first[i];
+  const double last = target.last[i];
+  const double weight = measure_->weights[place];
+  const double speed = measure_->speeds[place];
+  const bool isTravel = measure_->kind == MeasureKind::Travel;
+  list->turns.clear();
+  list->cost.clear();
+  list->isUnwind.clear();
+  const auto add = [&](double turn) {
+    const double move = std::abs(deg + 360.0 * turn - fromDeg);
+    list->turns.push_back(turn);
+    list->cost.push_back(isTravel ? weight * move : move / speed);
+    list->isUnwind.push_back(move > HalfTurnDeg);
+  };
+  if (!axes_->axes[place].isPresent) {
+    list->nearest = 0.0;
+    add(0.0);
     return;
   }
-  const Turns range = TurnsInRange(bounds, deg);
-  if (mode_ == Mode::Plain && range.first <= 0.0 && range.last >= 0.0) {
-    list->taken.push_back(0.0);
+  list->nearest = NearestTurns(deg, fromDeg);
+  if (!isBounded_[i] || (mode_ == Mode::Relaxed && isFree_[i])) {
+    add(list->nearest);
     return;
   }
-  const double first = std::clamp(list->nearest, range.first, range.last);
-  list->taken.push_back(first);
-  const bool isForced = first != list->nearest;
-  if (most == 0.0 && !isForced) {
-    // Exactly half a turn away on both sides.
-    const double other = 2.0 * turns - list->nearest;
-    if (std::abs(std::abs(turns - list->nearest) - 0.5) < SameTurn) {
-      const double rounded = std::floor(other + 0.5);
-      if (rounded >= range.first && rounded <= range.last) {
-        list->taken.push_back(rounded);
+  if (mode_ == Mode::Plain && first <= 0.0 && last >= 0.0) {
+    add(0.0);
+    return;
+  }
+  const double nearest = std::clamp(list->nearest, first, last);
+  add(nearest);
+  if (first == last) {
+    return;
+  }
+  if (most == 0.0 && nearest == list->nearest) {
+    if (std::abs(std::abs(turns - nearest) - 0.5) < SameTurn) {
+      // Exactly half a turn away on both sides.
+      const double other = turns > nearest ? nearest + 1.0 : nearest - 1.0;
+      if (other >= first && other <= last) {
+        add(other);
       }
     }
     return;
   }
-  const double side = turns >= first ? 1.0 : -1.0;
-  const double last = most > 0.0 ? most : MaxTurns;
-  for (double step = 1.0; step <= last; step += 1.0) {
-    const double nearer = first + side * step;
-    const double farther = first - side * step;
-    const bool hasNearer = nearer >= range.first && nearer <= range.last;
-    const bool hasFarther = farther >= range.first && farther <= range.last;
+  const double side = turns >= nearest ? 1.0 : -1.0;
+  const double steps = most > 0.0 ? most : MaxTurns;
+  for (double step = 1.0; step <= steps; step += 1.0) {
+    const double nearer = nearest + side * step;
+    const double farther = nearest - side * step;
+    const bool hasNearer = nearer >= first && nearer <= last;
+    const bool hasFarther = farther >= first && farther <= last;
     if (hasNearer) {
-      list->taken.push_back(nearer);
+      add(nearer);
     }
     if (hasFarther) {
-      list->taken.push_back(farther);
+      add(farther);
     }
     if (!hasNearer && !hasFarther) {
-      break;
+      return;
     }
   }
 }
 
-void TurnLattice::Keep(const PathState& state) {
+double TurnLattice::FixedCost(const PathState& from, const Answer& answer) const {
+  double cost = 0.0;
+  for (std::size_t i = 0; i < FirstRotary; ++i) {
+    const double move = std::abs(answer.values[i] - from.values[i]);
+    cost = measure_->kind == MeasureKind::Travel ? cost + measure_->weights[i] * move
+                                                 : std::max(cost, move / measure_->speeds[i]);
+  }
+  return cost;
+}
+
+std::uint32_t* TurnLattice::FindSlot(const Target& target, double a, double b) {
+  if (target.width == 0) {
+    return nullptr;
+  }
+  const auto row = static_cast<std::size_t>(a - target.first[0]);
+  const auto column = static_cast<std::size_t>(b - target.first[1]);
+  return &slots_[target.slot + row * target.width + column];
+}
+
+void TurnLattice::Keep(const PathState& state, std::uint32_t* slot) {
   std::size_t place = next_.size();
-  if (mode_ == Mode::Relaxed && (state.choice >> 30U) != PathStep::Held) {
-    // Without ranges it does not matter in which turn an answer stands.
-    for (std::size_t i = 0; i < next_.size(); ++i) {
-      place = (next_[i].choice >> 30U) == (state.choice >> 30U) ? i : place;
-    }
-  } else if (next_.size() <= FewStates) {
-    for (std::size_t i = 0; i < next_.size(); ++i) {
-      place = IsSamePlace(next_[i], state) ? i : place;
-    }
+  if (slot != nullptr) {
+    place = *slot != 0 ? *slot - 1 : place;
   } else {
-    if (placeOf_.empty()) {
-      for (std::size_t i = 0; i < next_.size(); ++i) {
-        placeOf_.emplace(KeyOf(next_[i]), static_cast<std::uint32_t>(i));
-      }
-    }
-    const auto found = placeOf_.find(KeyOf(state));
-    if (found != placeOf_.end() && IsSamePlace(next_[found->second], state)) {
-      place = found->second;
-    } else {
-      placeOf_.emplace(KeyOf(state), static_cast<std::uint32_t>(place));
+    // Without ranges it does not matter in which turn an answer stands.
+    const bool isAnyTurn = mode_ == Mode::Relaxed && KindOf(state) != PathStep::Held;
+    for (std::size_t i = 0; i < next_.size(); ++i) {
+      const bool isSame =
+          isAnyTurn ? KindOf(next_[i]) == KindOf(state) : IsSamePlace(next_[i], state);
+      place = isSame ? i : place;
     }
   }
   if (place == next_.size()) {
     next_.push_back(state);
+    if (slot != nullptr) {
+      *slot = static_cast<std::uint32_t>(next_.size());
+    }
   } else if (state.cost < next_[place].cost) {
     next_[place] = state;
   }
 }
 
-double TurnLattice::BoundOf(std::uint32_t kind, double excess) const {
-  double cost = std::numeric_limits<double>::infinity();
-  for (const PathState& state : states_) {
-    if ((state.choice >> 30U) == kind) {
-      cost = std::min(cost, state.cost);
-    }
-  }
-  return cost + excess;
-}
-
-void TurnLattice::Expand(const PathState& from, std::uint32_t place, const Answers& answers,
-                         bool isApproach, const TurnLattice* relaxed, double excess) {
+void TurnLattice::Expand(const PathState& from, std::uint32_t place, const Target& target,
+                         bool isApproach) {
   const double most = isApproach ? MaxApproachTurns : mode_ == Mode::Complete ? MaxTurns : 0.0;
+  const Answer& answer = *target.answer;
+  const bool isTravel = measure_->kind == MeasureKind::Travel;
+  const double fixed = FixedCost(from, answer);
+  const double before =
+      from.cost + (from.branch * answer.branch < 0 ? measure_->branchChangeCost : 0.0);
+  ListTurns(0, target, from, most, &lists_[0]);
+  ListTurns(1, target, from, most, &lists_[1]);
   PathState to;
   to.previous = place;
-  for (int s = 0; s < answers.count; ++s) {
-    const Answer& answer = answers.answers[static_cast<std::size_t>(s)];
-    if (!answer.IsInRange()) {
-      continue;
-    }
-    PathStep step;
-    step.kind = s == 0 ? PathStep::First : PathStep::Second;
-    const double bound = relaxed != nullptr && !isApproach
-                             ? relaxed->BoundOf(step.kind, excess)
-                             : std::numeric_limits<double>::infinity();
-    to.values = answer.values;
-    to.branch = answer.branch;
-    for (std::size_t i = 0; i < 2; ++i) {
-      ListTurns(FirstRotary + i, answer.values[FirstRotary + i], from.values[FirstRotary + i], most,
-                &lists_[i]);
-    }
-    // The lists go from near to far, so costs grow along them: behind the first that is too high,
-    // all are.
-    for (const double a : lists_[0].taken) {
-      to.values[FirstRotary] = answer.values[FirstRotary] + 360.0 * a;
-      step.turns[0] = static_cast<int>(a - lists_[0].nearest);
-      bool isAnyKept = false;
-      for (const double b : lists_[1].taken) {
-        to.values[FirstRotary + 1] = answer.values[FirstRotary + 1] + 360.0 * b;
-        step.turns[1] = static_cast<int>(b - lists_[1].nearest);
-        to.cost =
-            from.cost + (isApproach ? 0.0 : CostOfMove(*measure_, from, to.values, answer.branch));
-        if (to.cost > bound) {
-          break;
+  to.values = answer.values;
+  to.branch = answer.branch;
+  PathStep step;
+  step.kind = target.kind;
+  // The lists go from near to far, so costs grow along them: behind the first that is too high, all
+  // are.
+  for (std::size_t a = 0; a < lists_[0].turns.size(); ++a) {
+    const double turnA = lists_[0].turns[a];
+    to.values[FirstRotary] = answer.values[FirstRotary] + 360.0 * turnA;
+    step.turns[0] = static_cast<int>(turnA - lists_[0].nearest);
+    for (std::size_t b = 0; b < lists_[1].turns.size(); ++b) {
+      const double move = isTravel ? fixed + (lists_[0].cost[a] + lists_[1].cost[b])
+                                   : std::max({fixed, lists_[0].cost[a], lists_[1].cost[b]});
+      const bool isUnwind = lists_[0].isUnwind[a] || lists_[1].isUnwind[b];
+      to.cost = isApproach ? from.cost : before + move + (isUnwind ? measure_->unwindingCost : 0.0);
+      if (to.cost > target.bound) {
+        if (b == 0) {
+          return;
         }
-        isAnyKept = true;
-        to.choice = step.Pack();
-        Keep(to);
-      }
-      if (!isAnyKept) {
         break;
       }
+      const double turnB = lists_[1].turns[b];
+      std::uint32_t* const slot = FindSlot(target, turnA, turnB);
+      if (slot != nullptr && *slot != 0 && next_[*slot - 1].cost <= to.cost) {
+        continue;
+      }
+      to.values[FirstRotary + 1] = answer.values[FirstRotary + 1] + 360.0 * turnB;
+      step.turns[1] = static_cast<int>(turnB - lists_[1].nearest);
+      to.choice = step.Pack();
+      Keep(to, slot);
     }
   }
 }
@@ -183,7 +250,7 @@ void TurnLattice::Expand(const PathState& from, std::uint32_t place, const Answe
 void TurnLattice::Step(PointSolver& solver, const ToolPoint& point, const Answers& answers,
                        bool isHeld, bool isApproach, const TurnLattice* relaxed, double excess) {
   next_.clear();
-  placeOf_.clear();
+  FindTargets(answers, isApproach, relaxed, excess);
   for (std::size_t i = 0; i < states_.size(); ++i) {
     PathState to;
     double deviation = 0.0;
@@ -195,9 +262,11 @@ void TurnLattice::Step(PointSolver& solver, const ToolPoint& point, const Answer
       to.choice = step.Pack();
       to.cost = states_[i].cost +
                 (isApproach ? 0.0 : CostOfMove(*measure_, states_[i], to.values, to.branch));
-      Keep(to);
-    } else {
-      Expand(states_[i], place, answers, isApproach, relaxed, excess);
+      Keep(to, nullptr);
+      continue;
+    }
+    for (const Target& target : targets_) {
+      Expand(states_[i], place, target, isApproach);
     }
   }
   if (next_.empty()) {
