@@ -16,8 +16,9 @@ constexpr double MaxApproachTurns = 32.0;
 /// With more equivalents than this at a point, states are found by search.
 constexpr double MaxSlots = 65536.0;
 
-/// Two ways round are equally long when they differ by less, in turns.
-constexpr double SameTurn = 1e-12;
+/// Lazy goes on with so many states of each answer, and tries so many turns on each side.
+constexpr std::size_t LazyStates = 8;
+constexpr double LazyTurns = 8.0;
 
 /// Half a turn, and what rounding may add to it.
 constexpr double HalfTurnDeg = 180.0 + 1e-9;
@@ -81,14 +82,20 @@ void TurnLattice::FindTargets(const Answers& answers, bool isApproach, const Tur
     }
     const bool isBounded = (isBounded_[0] || !axes_->axes[FirstRotary].isPresent) &&
                            (isBounded_[1] || !axes_->axes[FirstRotary + 1].isPresent);
-    if (mode_ != Mode::Relaxed && isBounded && count[0] * count[1] <= MaxSlots) {
+    if (mode_ == Mode::Complete && isBounded && count[0] * count[1] <= MaxSlots) {
       target.slot = slotNb;
       target.width = static_cast<std::size_t>(count[1]);
       slotNb += static_cast<std::size_t>(count[0] * count[1]);
     }
     targets_.push_back(target);
   }
-  slots_.assign(slotNb, 0);
+  for (std::uint32_t* slot : usedSlots_) {
+    *slot = 0;
+  }
+  usedSlots_.clear();
+  if (slots_.size() < slotNb) {
+    slots_.resize(slotNb);
+  }
 }
 
 void TurnLattice::ListTurns(std::size_t i, const Target& target, const PathState& from, double most,
@@ -131,17 +138,10 @@ void TurnLattice::ListTurns(std::size_t i, const Target& target, const PathState
     return;
   }
   if (most == 0.0 && nearest == list->nearest) {
-    if (std::abs(std::abs(turns - nearest) - 0.5) < SameTurn) {
-      // Exactly half a turn away on both sides.
-      const double other = turns > nearest ? nearest + 1.0 : nearest - 1.0;
-      if (other >= first && other <= last) {
-        add(other);
-      }
-    }
     return;
   }
   const double side = turns >= nearest ? 1.0 : -1.0;
-  const double steps = most > 0.0 ? most : MaxTurns;
+  const double steps = most > 0.0 ? most : LazyTurns;
   for (double step = 1.0; step <= steps; step += 1.0) {
     const double nearer = nearest + side * step;
     const double farther = nearest - side * step;
@@ -195,10 +195,22 @@ void TurnLattice::Keep(const PathState& state, std::uint32_t* slot) {
     next_.push_back(state);
     if (slot != nullptr) {
       *slot = static_cast<std::uint32_t>(next_.size());
+      usedSlots_.push_back(slot);
     }
   } else if (state.cost < next_[place].cost) {
     next_[place] = state;
   }
+}
+
+void TurnLattice::KeepFew() {
+  if (mode_ == Mode::Relaxed || mode_ == Mode::Complete || next_.size() <= LazyStates) {
+    return;
+  }
+  std::stable_sort(next_.begin(), next_.end(),
+                   [](const PathState& a, const PathState& b) { return a.cost < b.cost; });
+  std::array<std::size_t, 4> count = {};
+  std::erase_if(next_,
+                [&count](const PathState& state) { return ++count[KindOf(state)] > LazyStates; });
 }
 
 void TurnLattice::Expand(const PathState& from, std::uint32_t place, const Target& target,
@@ -278,6 +290,7 @@ void TurnLattice::Step(PointSolver& solver, const ToolPoint& point, const Answer
       next_[i].choice = step.Pack();
     }
   }
+  KeepFew();
   states_.swap(next_);
 }
 

@@ -18,10 +18,11 @@ namespace Orvo::Path {
 /// Relaxed leaves the ranges of axes away that may turn all around: then the equivalent nearest to
 /// the state before is as good as any other, and two states at most are needed. Its costs are a
 /// lower bound for everything within the ranges. Lazy takes the nearest equivalent too, and others
-/// only where that one is out of range. Complete takes all those whose costs stay within a given
-/// excess over the relaxed ones: the best path is among them when that excess is what a known path
-/// has at its end. Plain is as Lazy, but takes an answer without any turns where the ranges allow
-/// that.
+/// only where that one is out of range, and goes on with the few best states: its best path is one
+/// that is there, and the relaxed one where no range gets in the way. Complete takes all those
+/// whose costs stay within a given excess over the relaxed ones: the best path is among them when
+/// that excess is what a known path has at its end. Plain is as Lazy, but takes an answer without
+/// any turns where the ranges allow that.
 class TurnLattice {
  public:
   enum class Mode { Relaxed, Lazy, Complete, Plain };
@@ -53,7 +54,7 @@ class TurnLattice {
     double nearest = 0.0;        ///< whole turns to the equivalent nearest to the state before
     std::vector<double> turns;   ///< whole turns of the value itself
     std::vector<double> cost;    ///< what the axis adds
-    std::vector<bool> isUnwind;  ///< whether it turns by more than half a turn
+    std::vector<char> isUnwind;  ///< whether it turns by more than half a turn
   };
 
   /// What an answer is to all states before it.
@@ -75,6 +76,7 @@ class TurnLattice {
   double FixedCost(const PathState& from, const Answer& answer) const;
   std::uint32_t* FindSlot(const Target& target, double a, double b);
   void Keep(const PathState& state, std::uint32_t* slot);
+  void KeepFew();
   double BoundOf(PathStep::Kind kind, double excess) const;
 
   const MainAxes* axes_;
@@ -86,6 +88,7 @@ class TurnLattice {
   std::vector<PathState> next_;
   std::vector<Target> targets_;
   std::vector<std::uint32_t> slots_;  ///< by target and turns: one more than the place in next_
+  std::vector<std::uint32_t*> usedSlots_;
   TurnList lists_[2];
 };
 
