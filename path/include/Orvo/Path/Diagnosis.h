@@ -30,9 +30,9 @@ enum class DiagnosisCode : int {
 
 /// A number with its unit.
 struct Quantity {
-  std::string name;  ///< for programs: lower case with hyphens
-  double value = 0.0;
-  std::string unit;  ///< "deg", "deg/mm", "1", "length" (the machine's unit), ...
+  std::string name;    ///< for programs: lower case with hyphens
+  double value = 0.0;  ///< in its unit
+  std::string unit;    ///< "deg", "deg/mm", "1", "length" (the machine's unit), ...
 };
 
 /// What a diagnosis says of one element of the machine.
@@ -49,6 +49,7 @@ class ORVO_PATH_API Diagnosis {
   /// Stands for a diagnosis that is about no point.
   static constexpr std::uint64_t NoPoint = ~std::uint64_t{0};
 
+  /// Makes a record without numbers, about no point.
   explicit Diagnosis(DiagnosisCode code);
 
   /// Returns the code.

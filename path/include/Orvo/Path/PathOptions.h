@@ -25,6 +25,7 @@ enum class MeasureKind : int {
 
 /// What a whole path is measured by. All numbers are 0 or more.
 struct PathMeasure {
+  /// What a move costs.
   MeasureKind kind = MeasureKind::Travel;
 
   /// By place of the axes, for Travel: the cost of one unit of length or one degree.
@@ -64,17 +65,23 @@ struct SegmentOptions {
 
 /// How a path is solved.
 struct PathOptions {
+  /// How answers are chosen.
   PathChoice choice = PathChoice::Optimal;
+
+  /// What Optimal minimizes, and what costs are counted in.
   PathMeasure measure;
 
   /// Half the opening of the cone of singular stretches, in degrees. With 0, only directions along
   /// the axis itself count, within 1e-12 radian; no direction deviates then.
   double singularConeDeg = 0.0;
+
+  /// What the free axis does there.
   SingularRule singularRule = SingularRule::Hold;
 
-  /// A move within this angle of the singular direction, in degrees, that turns the free axis by
-  /// more than the other one, is reported as near singular.
+  /// A move to a direction within this angle of the singular one, in degrees, ...
   double nearSingularDeg = 2.0;
+
+  /// ... that turns the free axis by more than this, in degrees, is reported as near singular.
   double nearSingularTurnDeg = 45.0;
 
   /// Whether the way from the start position to the first point costs nothing. Up to 64 equivalents
@@ -84,6 +91,7 @@ struct PathOptions {
   /// Whether each point is put through forward kinematics.
   bool hasResiduals = true;
 
+  /// What is done between the points.
   SegmentOptions segments;
 
   /// How many threads work; 0 is as many as the machine runs at once. The results do not depend on

@@ -49,7 +49,11 @@ class ORVO_PATH_API PathSolver {
   /// @throws std::invalid_argument for options that hold what can't be computed with
   PathSolver(const Kin::Machine& machine, const Kin::ProgramSystem& programSystem,
              const Vector3D& offset, const Kin::MachinePosition& start, const PathOptions& options);
+
+  /// Takes over; the other one may only be destroyed or assigned to afterwards.
   PathSolver(PathSolver&& other) noexcept;
+
+  /// Takes over, in place of what this one was.
   PathSolver& operator=(PathSolver&& other) noexcept;
   ~PathSolver();
 

@@ -49,6 +49,7 @@ struct Answer {
 
 /// Both answers for a point.
 struct Answers {
+  /// The answers; those beyond count are as they were made.
   std::array<Answer, 2> answers;
 
   /// How many there are: 0, 1 or 2.
@@ -85,7 +86,11 @@ class ORVO_PATH_API PointSolver {
   /// @param position       where the axes stand that the program system does not move
   PointSolver(const Kin::Machine& machine, const Kin::ProgramSystem& programSystem,
               const Vector3D& offset, const Kin::MachinePosition& position);
+
+  /// Takes over; the other one may only be destroyed or assigned to afterwards.
   PointSolver(PointSolver&& other) noexcept;
+
+  /// Takes over, in place of what this one was.
   PointSolver& operator=(PointSolver&& other) noexcept;
   ~PointSolver();
 

@@ -38,8 +38,12 @@ class ORVO_PATH_API PointSource {
 
  protected:
   PointSource() = default;
+
+  /// @{
+  /// For sources that can be copied.
   PointSource(const PointSource&) = default;
   PointSource& operator=(const PointSource&) = default;
+  /// @}
 };
 
 }  // namespace Orvo::Path

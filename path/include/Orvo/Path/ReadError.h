@@ -16,6 +16,8 @@ class ORVO_PATH_API ReadError : public std::runtime_error {
   /// @param column   in characters, from 1; 0 with line 0
   /// @param message  what was expected and what is there instead
   ReadError(std::string file, std::uint64_t line, std::uint64_t column, std::string message);
+
+  /// Copies everything.
   ReadError(const ReadError&);
   ReadError& operator=(const ReadError&) = delete;
   ~ReadError() override;

@@ -40,6 +40,7 @@ class ORVO_PATH_API TextReader : public PointSource {
   double GetShareRead() const;
 
  protected:
+  /// Takes what reads one format.
   explicit TextReader(std::unique_ptr<TextReaderImplementation> implementation);
   TextReader(const TextReader&) = delete;
   TextReader& operator=(const TextReader&) = delete;

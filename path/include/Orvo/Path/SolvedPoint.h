@@ -51,10 +51,12 @@ struct SolvedPoint {
   /// What forward kinematics leaves; 0 where it was not asked for or there is no answer.
   Residual residual;
 
-  /// On the move to this point: the largest distance of the tip from the straight line, and the
-  /// largest angle of the direction, in radians, from the plane of turn between its two ends. 0
-  /// where it was not asked for.
+  /// On the move to this point, while all axes move evenly: the largest distance of the tip from
+  /// the straight line; 0 where it was not asked for.
   double tipDeviation = 0.0;
+
+  /// The same for the direction: the largest angle, in radians, from the plane of turn between its
+  /// two ends.
   double directionDeviation = 0.0;
 
   /// The inverse of the time of the move to this point, in 1 / minute: that of the tip's way at the

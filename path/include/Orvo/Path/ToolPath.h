@@ -45,6 +45,7 @@ class ORVO_PATH_API ToolPath {
 /// Hands out the points of a path in memory, which must outlive it and not change meanwhile.
 class ORVO_PATH_API ToolPathSource : public PointSource {
  public:
+  /// Begins with the first point.
   explicit ToolPathSource(const ToolPath& path);
 
   std::size_t Read(ToolPoint* points, std::size_t capacity) override;
@@ -60,6 +61,7 @@ class ORVO_PATH_API ToolPathSource : public PointSource {
 /// lies in the table's frame. The other source must outlive it.
 class ORVO_PATH_API ShiftedSource : public PointSource {
  public:
+  /// Begins where the other source stands.
   ShiftedSource(PointSource& source, const Vector3D& shift);
 
   std::size_t Read(ToolPoint* points, std::size_t capacity) override;
