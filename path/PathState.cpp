@@ -14,7 +14,14 @@ constexpr double HalfTurn = 180.0 + 1e-9;
 }  // namespace
 
 double NearestTurns(double deg, double referenceDeg) {
-  return std::floor((referenceDeg - deg) / 360.0 + 0.5);
+  const double turns = (referenceDeg - deg) / 360.0 + 0.5;
+  constexpr double largest = 1e15;
+  if (!(std::abs(turns) < largest)) {
+    return std::floor(turns);
+  }
+  // As floor, without the call that it is on processors without that instruction.
+  const auto whole = static_cast<double>(static_cast<std::int64_t>(turns));
+  return whole > turns ? whole - 1.0 : whole;
 }
 
 bool IsUnwinding(const AxisValues& from, const AxisValues& to) {

@@ -17,7 +17,7 @@ constexpr double MaxApproachTurns = 32.0;
 constexpr double MaxSlots = 65536.0;
 
 /// Lazy goes on with so many states of each answer, and tries so many turns on each side.
-constexpr std::size_t LazyStates = 8;
+constexpr std::size_t LazyStates = 4;
 constexpr double LazyTurns = 8.0;
 
 /// Half a turn, and what rounding may add to it.
@@ -98,6 +98,53 @@ void TurnLattice::FindTargets(const Answers& answers, bool isApproach, const Tur
   }
 }
 
+bool TurnLattice::IsSingle(std::size_t i, const Target& target, const PathState& from, double* turn,
+                           double* nearest) const {
+  const std::size_t place = FirstRotary + i;
+  if (!axes_->axes[place].isPresent) {
+    *turn = *nearest = 0.0;
+    return true;
+  }
+  *nearest = NearestTurns(target.answer->values[place], from.values[place]);
+  const double first = target.first[i];
+  const double last = target.last[i];
+  if (!isBounded_[i] || (mode_ == Mode::Relaxed && isFree_[i])) {
+    *turn = *nearest;
+    return true;
+  }
+  if (mode_ == Mode::Plain && first <= 0.0 && last >= 0.0) {
+    *turn = 0.0;
+    return true;
+  }
+  *turn = *nearest < first ? first : *nearest > last ? last : *nearest;
+  return first == last || (mode_ != Mode::Complete && *turn == *nearest);
+}
+
+bool TurnLattice::ExpandSingle(const PathState& from, std::uint32_t place, const Target& target) {
+  double turn[2];
+  double nearest[2];
+  if (!IsSingle(0, target, from, &turn[0], &nearest[0]) ||
+      !IsSingle(1, target, from, &turn[1], &nearest[1])) {
+    return false;
+  }
+  PathState to;
+  to.previous = place;
+  to.values = target.answer->values;
+  to.branch = target.answer->branch;
+  PathStep step;
+  step.kind = target.kind;
+  for (std::size_t i = 0; i < 2; ++i) {
+    to.values[FirstRotary + i] += 360.0 * turn[i];
+    step.turns[i] = static_cast<int>(turn[i] - nearest[i]);
+  }
+  to.cost = from.cost + CostOfMove(*measure_, from, to.values, to.branch);
+  to.choice = step.Pack();
+  if (!(to.cost > target.bound)) {
+    Keep(to, FindSlot(target, turn[0], turn[1]));
+  }
+  return true;
+}
+
 void TurnLattice::ListTurns(std::size_t i, const Target& target, const PathState& from, double most,
                             TurnList* list) const {
   const std::size_t place = FirstRotary + i;
@@ -118,26 +165,11 @@ void TurnLattice::ListTurns(std::size_t i, const Target& target, const PathState
     list->cost.push_back(isTravel ? weight * move : move / speed);
     list->isUnwind.push_back(move > HalfTurnDeg);
   };
-  if (!axes_->axes[place].isPresent) {
-    list->nearest = 0.0;
-    add(0.0);
-    return;
-  }
-  list->nearest = NearestTurns(deg, fromDeg);
-  if (!isBounded_[i] || (mode_ == Mode::Relaxed && isFree_[i])) {
-    add(list->nearest);
-    return;
-  }
-  if (mode_ == Mode::Plain && first <= 0.0 && last >= 0.0) {
-    add(0.0);
-    return;
-  }
-  const double nearest = std::clamp(list->nearest, first, last);
+  double nearest = 0.0;
+  const bool isSingle = IsSingle(i, target, from, &nearest, &list->nearest);
   add(nearest);
-  if (first == last) {
-    return;
-  }
-  if (most == 0.0 && nearest == list->nearest) {
+  if ((isSingle && most == 0.0) || first == last || !isBounded_[i] ||
+      (mode_ == Mode::Relaxed && isFree_[i])) {
     return;
   }
   const double side = turns >= nearest ? 1.0 : -1.0;
@@ -216,6 +248,9 @@ void TurnLattice::KeepFew() {
 void TurnLattice::Expand(const PathState& from, std::uint32_t place, const Target& target,
                          bool isApproach) {
   const double most = isApproach ? MaxApproachTurns : mode_ == Mode::Complete ? MaxTurns : 0.0;
+  if (!isApproach && ExpandSingle(from, place, target)) {
+    return;
+  }
   const Answer& answer = *target.answer;
   const bool isTravel = measure_->kind == MeasureKind::Travel;
   const double fixed = FixedCost(from, answer);

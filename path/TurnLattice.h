@@ -71,6 +71,9 @@ class TurnLattice {
   void FindTargets(const Answers& answers, bool isApproach, const TurnLattice* relaxed,
                    double excess);
   void Expand(const PathState& from, std::uint32_t place, const Target& target, bool isApproach);
+  bool IsSingle(std::size_t i, const Target& target, const PathState& from, double* turn,
+                double* nearest) const;
+  bool ExpandSingle(const PathState& from, std::uint32_t place, const Target& target);
   void ListTurns(std::size_t i, const Target& target, const PathState& from, double most,
                  TurnList* list) const;
   double FixedCost(const PathState& from, const Answer& answer) const;
