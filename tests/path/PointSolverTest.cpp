@@ -275,6 +275,44 @@ TEST(PointSolver, ReportsObliqueLinearAxes) {
   EXPECT_LT(finding.Get("residual"), 1e-10);
 }
 
+// Where one register drives two axes there is no closed form: the calculator's answers come as they
+// are, and only those that forward kinematics confirms.
+TEST(PointSolver, GivesOnlyTrueAnswersWhereARegisterDrivesTwoAxes) {
+  Kin::Machine machine;
+  const Kin::EntityId bed = machine.AddEntityStatic(L"bed", -1)->GetEntityId();
+  Kin::EntityId end = bed;
+  const Vector3D directions[] = {AxisX, AxisY, AxisZ};
+  for (int i = 0; i < 3; ++i) {
+    end = AddAxis(machine.AddEntityLinear(L"linear", end, directions[i]), i, -2000.0, 2000.0);
+  }
+  machine.AddEntityHead(L"head", end, Matrix43());
+  end = AddAxis(machine.AddEntityRotary(L"A1", bed, NullVector, AxisX), 3, -120.0, 120.0);
+  end = AddAxis(machine.AddEntityRotary(L"A2", end, NullVector, AxisX), 3, -120.0, 120.0);
+  end = AddAxis(machine.AddEntityRotary(L"C", end, NullVector, AxisZ), 4, -360.0, 360.0);
+  machine.AddEntityTable(L"table", end, Matrix43());
+  Kin::ProgramSystem system;
+  system.SetHeadIndex(0);
+  system.SetTableIndex(0);
+  system.SetMainLinear(0, 1, 2);
+  system.SetMainRotary(3, 4);
+  machine.AddProgramSystem(system);
+  ASSERT_TRUE(machine.Finish());
+  Solving solving(machine);
+  EXPECT_TRUE(solving.solver.IsUsable());
+  EXPECT_EQ(solving.solver.GetFreeAxis(), -1);
+  for (const double tilt : {0.0, 0.1, 0.5}) {
+    ToolPoint point;
+    point.direction.Set(0.0, std::sin(tilt), std::cos(tilt));
+    const Answers answers = solving.solver.Solve(point);
+    for (int s = 0; s < answers.count; ++s) {
+      const Answer& answer = answers.answers[static_cast<std::size_t>(s)];
+      EXPECT_LE(solving.solver.Check(point, answer.values).direction, 1e-6);
+    }
+    EXPECT_EQ(answers.count == 0, solving.solver.Explain(point, answers).GetCode() ==
+                                      DiagnosisCode::OrientationUnreachable);
+  }
+}
+
 // Which register doesn't fit, and why.
 TEST(PointSolver, NamesWhatDoesNotFit) {
   TestRandom random;
