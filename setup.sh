@@ -15,6 +15,7 @@ set -eu
 packages="
   cmake ninja-build g++ pkg-config python3
   libtinyxml2-dev libutfcpp-dev libcli11-dev libgtest-dev libgmock-dev
+  nlohmann-json3-dev libfmt-dev
 "
 ci_packages="
   git clang-14 clang libclang-rt-14-dev llvm-14 valgrind clang-format-14 cmake-format gcovr ccache

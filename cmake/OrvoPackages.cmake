@@ -64,8 +64,11 @@ axis values.")
 # What Debian wants of every package: its license, and a changelog of its own.
 find_program(gzip gzip REQUIRED)
 mark_as_advanced(gzip)
-file(WRITE ${packaging}/shlibs
-     "liborvo ${PROJECT_VERSION_MAJOR} ${runtime_package} (>= ${PROJECT_VERSION})\n")
+file(WRITE ${packaging}/shlibs "")
+foreach(library liborvo liborvo-path)
+  file(APPEND ${packaging}/shlibs
+       "${library} ${PROJECT_VERSION_MAJOR} ${runtime_package} (>= ${PROJECT_VERSION})\n")
+endforeach()
 foreach(component runtime development tools)
   string(TOUPPER ${component} name)
   set(package ${CPACK_DEBIAN_${name}_PACKAGE_NAME})

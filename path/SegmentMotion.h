@@ -1,0 +1,33 @@
+#pragma once
+
+#include <Orvo/Path/MainAxes.h>
+#include <Orvo/Path/PathOptions.h>
+#include <Orvo/Path/PointSolver.h>
+#include <Orvo/Path/SolvedPoint.h>
+
+#include <vector>
+
+namespace Orvo::Path {
+
+/// How far the tool leaves the straight connection of two points while all axes move evenly.
+struct SegmentDeviation {
+  double tip = 0.0;        ///< largest distance from the straight line between the ends
+  double direction = 0.0;  ///< largest angle from the plane of turn between the ends, in radians
+};
+
+/// Computes the largest deviations of a move: sampled every 5 degrees of the rotary axes at least,
+/// then searched around the largest sample.
+SegmentDeviation ComputeDeviation(PointSolver& solver, const AxisValues& from,
+                                  const AxisValues& to);
+
+/// Computes points between two solved ones until the deviations keep within the tolerances, as far
+/// as the depth allows; in their order. The largest deviations that are left come out.
+std::vector<SolvedPoint> Refine(PointSolver& solver, const PathOptions& options,
+                                const SolvedPoint& from, const SolvedPoint& to,
+                                SegmentDeviation* left);
+
+/// Computes the inverse of the time of a move, in 1 / minute; 0 where there is none.
+double ComputeInverseTime(const PathMeasure& measure, const SolvedPoint& from,
+                          const SolvedPoint& to);
+
+}  // namespace Orvo::Path
