@@ -16,8 +16,9 @@ if [ ! -f "$toolchain" ]; then
 fi
 
 prefix=$PWD/build/cross/$target
-# The mark holds the place, as the packages name it.
-if [ -f "$prefix/complete" ] && [ "$(cat "$prefix/complete")" = "$prefix" ]; then
+# The mark holds the place, which the packages name, and what this script was.
+mark=$(printf "%s %s" "$prefix" "$(cksum <scripts/cross-packages.sh)")
+if [ -f "$prefix/complete" ] && [ "$(cat "$prefix/complete")" = "$mark" ]; then
   exit 0
 fi
 rm -rf "$prefix"
@@ -70,4 +71,4 @@ printf '%s\n' 'set_property(TARGET fmt::fmt-header-only PROPERTY INTERFACE_COMPI
 case "$target" in
   *mingw32) scripts/run-under-wine.sh wineboot --init >/dev/null 2>&1 ;;
 esac
-printf '%s\n' "$prefix" >"$prefix/complete"
+printf "%s\n" "$mark" >"$prefix/complete"
