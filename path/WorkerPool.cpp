@@ -1,17 +1,21 @@
 #include "path/WorkerPool.h"
 
 #include <algorithm>
+#include <new>
 #include <system_error>
 
 namespace Orvo::Path {
 
 WorkerPool::WorkerPool(std::size_t workerNb) {
+  threads_.reserve(std::max<std::size_t>(workerNb, 1) - 1);
   try {
     for (std::size_t worker = 1; worker < workerNb; ++worker) {
       threads_.emplace_back([this, worker] { Serve(worker); });
     }
   } catch (const std::system_error&) {
     // A system that gives no more threads leaves the work to those it gave.
+  } catch (const std::bad_alloc&) {
+    // So does one without memory for them.
   }
 }
 

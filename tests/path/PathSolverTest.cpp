@@ -177,7 +177,7 @@ bool IsSameBits(const SolvedPoint& a, const SolvedPoint& b) {
 }
 
 // Threads, blocks and caches leave no trace in the results.
-TEST(PathSolver, GivesTheSameBitsHoweverItWorks) {
+TEST(PathSolverThreads, GiveTheSameBitsHoweverManyThereAre) {
   Kin::Machine machine = Trunnion();
   std::vector<ToolPoint> points = Spiral(997, 3.4, 0.5);
   for (int i = 300; i < 340; ++i) {
