@@ -212,6 +212,37 @@ TEST(PathSolverThreads, GiveTheSameBitsHoweverManyThereAre) {
   }
 }
 
+// However far away the axes stand, the path is solved within the ranges; what is no number is said.
+TEST(PathSolver, TakesAnyStart) {
+  Kin::Machine machine = Trunnion();
+  const std::vector<ToolPoint> points = Spiral(50, 3.4, 0.5);
+  for (const PathChoice choice : {PathChoice::Greedy, PathChoice::Optimal}) {
+    PathOptions options;
+    options.choice = choice;
+    for (const double far : {1e7, -1e7, 1e12, -1e300}) {
+      SCOPED_TRACE(far);
+      Kin::MachinePosition start = ZeroOf(machine);
+      for (int r = 0; r < static_cast<int>(start.Size()); ++r) {
+        start[r] = far;
+      }
+      const Solved solved = Solve(machine, points, options, start);
+      EXPECT_EQ(solved.summary.solvedNb, points.size());
+      for (const SolvedPoint& point : solved.points) {
+        EXPECT_LT(point.residual.tip, 1e-9);
+        EXPECT_LT(point.residual.direction, 1e-12);
+      }
+      const MainAxes axes(machine, *machine.GetProgramSystem(0));
+      for (std::size_t k = 0; k < MainAxisNb; ++k) {
+        EXPECT_GE(solved.summary.smallest[k], axes.axes[k].min);
+        EXPECT_LE(solved.summary.largest[k], axes.axes[k].max);
+      }
+    }
+    Kin::MachinePosition start = ZeroOf(machine);
+    start[0] = std::nan("");
+    EXPECT_THROW(Solve(machine, points, options, start), std::invalid_argument);
+  }
+}
+
 // In a singular stretch the free axis keeps its value, or goes evenly to the one behind.
 TEST(PathSolver, HoldsOrInterpolatesTheFreeAxis) {
   Kin::Machine machine = Trunnion();
