@@ -6,8 +6,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <bit>
 #include <cmath>
-#include <cstring>
+#include <cstdint>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -170,9 +172,13 @@ TEST(PathSolver, UnwindsWhereTheRangeEnds) {
   EXPECT_GE(greedy.summary.cost, optimal.summary.cost - 1e-6);
 }
 
+bool IsSameDouble(double a, double b) {
+  return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
+}
+
 bool IsSameBits(const SolvedPoint& a, const SolvedPoint& b) {
-  return std::memcmp(a.values.data(), b.values.data(), sizeof a.values) == 0 && a.cost == b.cost &&
-         a.residual.tip == b.residual.tip && a.tipDeviation == b.tipDeviation &&
+  return std::equal(a.values.begin(), a.values.end(), b.values.begin(), IsSameDouble) &&
+         a.cost == b.cost && a.residual.tip == b.residual.tip && a.tipDeviation == b.tipDeviation &&
          a.inverseTime == b.inverseTime && a.isHeld == b.isHeld && a.isInserted == b.isInserted;
 }
 
