@@ -117,6 +117,9 @@ struct Peak {
   double valueLow = 0.0;
   double value = 0.0;
   double valueHigh = 0.0;
+
+  /// What the top may have above the middle, if it rises no faster than between these places.
+  double MostGain() const { return value - std::min(valueLow, valueHigh); }
 };
 
 /// Where the parabola through three places of a peak has its top, and how far above the largest of
@@ -265,34 +268,37 @@ SegmentDeviation ComputeDeviation(PointSolver& solver, const AxisValues& from,
   const auto sampleNb =
       static_cast<int>(std::clamp(std::ceil(turn / SampleStepDeg), LeastSamples, MostSamples));
   const double step = 1.0 / sampleNb;
-  Peak tip;
-  Peak direction;
-  tip.what = &SegmentDeviation::tip;
-  tip.negligible = TipRounding * connection.GetTipSize();
-  direction.what = &SegmentDeviation::direction;
-  direction.negligible = DirectionRounding;
+  std::vector<Peak> peaks;
   SegmentDeviation before;
+  SegmentDeviation middle;
   for (int i = 1; i <= sampleNb; ++i) {
     // Both ends deviate by nothing.
-    const SegmentDeviation deviation = i < sampleNb ? connection.At(step * i) : SegmentDeviation();
-    for (Peak* const peak : {&tip, &direction}) {
-      const double value = deviation.*(peak->what);
-      if (value > peak->value) {
-        peak->low = step * (i - 1);
-        peak->at = step * i;
-        peak->high = step * (i + 1);
-        peak->valueLow = before.*(peak->what);
-        peak->value = value;
-        peak->valueHigh = 0.0;
-      } else if (i > 1 && peak->high == step * i) {
-        peak->valueHigh = value;
+    const SegmentDeviation next = i < sampleNb ? connection.At(step * i) : SegmentDeviation();
+    for (double SegmentDeviation::*const what :
+         {&SegmentDeviation::tip, &SegmentDeviation::direction}) {
+      if (i > 1 && middle.*what > before.*what && middle.*what >= next.*what) {
+        Peak peak;
+        peak.what = what;
+        peak.negligible = what == &SegmentDeviation::tip ? TipRounding * connection.GetTipSize()
+                                                         : DirectionRounding;
+        peak.low = step * (i - 2);
+        peak.at = step * (i - 1);
+        peak.high = step * i;
+        peak.valueLow = before.*what;
+        peak.value = middle.*what;
+        peak.valueHigh = next.*what;
+        peaks.push_back(peak);
       }
+      largest.*what = std::max(largest.*what, next.*what);
     }
-    before = deviation;
+    before = middle;
+    middle = next;
   }
-  largest = {tip.value, direction.value};
-  Climb(&connection, &tip, &largest);
-  Climb(&connection, &direction, &largest);
+  for (Peak& peak : peaks) {
+    if (peak.value + peak.MostGain() > largest.*peak.what) {
+      Climb(&connection, &peak, &largest);
+    }
+  }
   return largest;
 }
 
