@@ -1,3 +1,4 @@
+#include "CheckCommand.h"
 #include "Command.h"
 #include "CompletionCommand.h"
 #include "Failure.h"
@@ -5,6 +6,7 @@
 #include "InfoCommand.h"
 #include "SolveCommand.h"
 #include "StandardOutput.h"
+#include "VectorsCommand.h"
 #include "WideText.h"
 
 #include <CLI/CLI.hpp>
@@ -28,6 +30,8 @@ const std::vector<CommandEntry>& Commands() {
   static const std::vector<CommandEntry> commands = {
       {"info", "show what a machine file holds", OrvoTool::AddInfoCommand},
       {"solve", "turn a tool path into axis values", OrvoTool::AddSolveCommand},
+      {"check", "hold axis values against ranges, speeds and the path", OrvoTool::AddCheckCommand},
+      {"vectors", "write and verify golden vectors of a machine", OrvoTool::AddVectorsCommand},
       {"completion", "", OrvoTool::AddCompletionCommand},
   };
   return commands;
