@@ -13,9 +13,9 @@
 #include "PathInput.h"
 #include "ProgramSystemChoice.h"
 #include "Progress.h"
+#include "ResultOutput.h"
 #include "SolvedRow.h"
 #include "StandardInput.h"
-#include "StandardOutput.h"
 #include "Terminal.h"
 #include "WideText.h"
 
@@ -186,9 +186,10 @@ ExitCode RunCheck(const CheckOptions& options) {
     limits.speeds = ByRegister(ReadAxisAssignments("--speed", options.speeds, names), names);
   }
   const bool isLines = options.output.format == OutputFormat::JsonLines;
+  ResultOutput output("-");
   AxisCheck::Sink sink;
   if (isLines) {
-    sink = [](const JsonValue& finding) { WriteStandardOutput(JsonLine(finding)); };
+    sink = [&output](const JsonValue& finding) { output.Write(JsonLine(finding)); };
   }
   std::optional<AxisCheck> check;
   try {
@@ -218,12 +219,12 @@ ExitCode RunCheck(const CheckOptions& options) {
   const bool isGood = !isMissed && !check->HasExcess();
   if (options.output.format == OutputFormat::Text) {
     const TextStyle style(options.output.color);
-    WriteStandardOutput(ShownInput(options.axes) + " on " + machineName + ": " +
-                        (isGood     ? style.Good("good")
-                         : isMissed ? style.Bad("misses the path")
-                                    : style.Bad("exceeds ranges or speeds")) +
-                        "\n\n" + check->GetText(targets.IsThere()) +
-                        (mismatch.empty() ? "" : "  There are " + mismatch + ".\n"));
+    output.Write(ShownInput(options.axes) + " on " + machineName + ": " +
+                 (isGood     ? style.Good("good")
+                  : isMissed ? style.Bad("misses the path")
+                             : style.Bad("exceeds ranges or speeds")) +
+                 "\n\n" + check->GetText(targets.IsThere()) +
+                 (mismatch.empty() ? "" : "  There are " + mismatch + ".\n"));
   } else {
     JsonValue json;
     if (isLines) {
@@ -234,8 +235,9 @@ ExitCode RunCheck(const CheckOptions& options) {
     if (!mismatch.empty()) {
       json["mismatch"] = mismatch;
     }
-    WriteStandardOutput(isLines ? JsonLine(json) : JsonDocument(json));
+    output.Write(isLines ? JsonLine(json) : JsonDocument(json));
   }
+  output.Finish();
   return isMissed             ? ExitCode::VerificationFailed
          : check->HasExcess() ? ExitCode::OutOfRange
                               : ExitCode::Success;
@@ -276,30 +278,30 @@ CommandAction AddCheckCommand(CLI::App* command) {
       ->add_option("--tolerance", limits.tipTolerance,
                    "how far the tip may be off the path; 0.001 if not given")
       ->type_name("LENGTH")
-      ->check(CLI::NonNegativeNumber);
+      ->check(Unnamed(CLI::NonNegativeNumber));
   command
       ->add_option("--angle-tolerance", limits.angleToleranceDeg,
                    "how far the direction may be off, in degrees; 0.001 if not given")
       ->type_name("DEG")
-      ->check(CLI::NonNegativeNumber);
+      ->check(Unnamed(CLI::NonNegativeNumber));
   command
       ->add_option("--range-tolerance", limits.rangeTolerance,
                    "how far an axis may be beyond a limit, as rounding may put it; 0.000001 if not "
                    "given")
       ->type_name("T")
-      ->check(CLI::NonNegativeNumber);
+      ->check(Unnamed(CLI::NonNegativeNumber));
   command
       ->add_option("--speed", options->speeds,
                    "the most that axes may move, in units of length or degrees a second")
       ->type_name("NAME=V,...");
   command->add_option("--feed", limits.feed, "the feed of moves for which the files give none")
       ->type_name("FEED")
-      ->check(CLI::PositiveNumber);
+      ->check(Unnamed(CLI::PositiveNumber));
   command
       ->add_option("--singular", limits.singularDeg,
                    "how near to a singular direction is near, in degrees; 2 if not given")
       ->type_name("DEG")
-      ->check(CLI::NonNegativeNumber);
+      ->check(Unnamed(CLI::NonNegativeNumber));
   AddOutputOptions(command, &options->output,
                    {OutputFormat::Text, OutputFormat::Json, OutputFormat::JsonLines});
   return [options]() { return RunCheck(*options); };

@@ -217,7 +217,7 @@ CommandAction AddVectorsCommand(CLI::App* command) {
       ->type_name("FILE");
   command->add_option("--count", options->count, "how many samples to write; 100 if not given")
       ->type_name("N")
-      ->check(CLI::Range(1, 1000000));
+      ->check(Unnamed(CLI::Range(1, 1000000)));
   command->add_option("--seed", options->seed, "which samples are drawn; 1 if not given")
       ->type_name("N");
   command
@@ -229,7 +229,7 @@ CommandAction AddVectorsCommand(CLI::App* command) {
                    "by how much numbers may differ when verifying, in units of length, degrees "
                    "or 1; 1e-9 if not given, 0 demands the same bits")
       ->type_name("T")
-      ->check(CLI::NonNegativeNumber);
+      ->check(Unnamed(CLI::NonNegativeNumber));
   AddOutputOptions(command, &options->format, {OutputFormat::Text, OutputFormat::Json});
   return
       [options]() { return options->action == Action::Write ? Write(*options) : Verify(*options); };
