@@ -5,6 +5,7 @@
 #include "InfoCommand.h"
 #include "SolveCommand.h"
 #include "StandardOutput.h"
+#include "ValidateCommand.h"
 #include "WideText.h"
 
 #include <CLI/CLI.hpp>
@@ -27,6 +28,7 @@ using OrvoTool::ExitCode;
 const std::vector<CommandEntry>& Commands() {
   static const std::vector<CommandEntry> commands = {
       {"info", "show what a machine file holds", OrvoTool::AddInfoCommand},
+      {"validate", "tell all that is wrong with a machine file", OrvoTool::AddValidateCommand},
       {"solve", "turn a tool path into axis values", OrvoTool::AddSolveCommand},
       {"completion", "", OrvoTool::AddCompletionCommand},
   };
