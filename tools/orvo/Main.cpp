@@ -1,8 +1,12 @@
 #include "Command.h"
 #include "CompletionCommand.h"
+#include "ExplainCommand.h"
 #include "Failure.h"
+#include "FkCommand.h"
 #include "HelpText.h"
+#include "IkCommand.h"
 #include "InfoCommand.h"
+#include "NewCommand.h"
 #include "SolveCommand.h"
 #include "StandardOutput.h"
 #include "ValidateCommand.h"
@@ -29,7 +33,11 @@ const std::vector<CommandEntry>& Commands() {
   static const std::vector<CommandEntry> commands = {
       {"info", "show what a machine file holds", OrvoTool::AddInfoCommand},
       {"validate", "tell all that is wrong with a machine file", OrvoTool::AddValidateCommand},
+      {"fk", "tell where the machine stands for given axis values", OrvoTool::AddFkCommand},
+      {"ik", "give all axis values for one point and one direction", OrvoTool::AddIkCommand},
+      {"explain", "say why a point has no answer, and by how much", OrvoTool::AddExplainCommand},
       {"solve", "turn a tool path into axis values", OrvoTool::AddSolveCommand},
+      {"new", "write the machine file of a common kind of machine", OrvoTool::AddNewCommand},
       {"completion", "", OrvoTool::AddCompletionCommand},
   };
   return commands;

@@ -51,18 +51,11 @@ std::FILE* MakeNewFile(const std::filesystem::path& file) {
 
 /// Hands out the standard input part by part.
 void ReadParts(std::uintmax_t maxBytes, const std::function<void(std::string_view)>& take) {
-#ifdef _WIN32
-  _setmode(_fileno(stdin), _O_BINARY);
-#endif
   std::array<char, ChunkBytes> chunk;
   std::uintmax_t byteNb = 0;
   for (;;) {
-    errno = 0;
-    const std::size_t count = std::fread(chunk.data(), 1, chunk.size(), stdin);
+    const std::size_t count = ReadStandardInputPart(chunk.data(), chunk.size());
     if (count == 0) {
-      if (std::ferror(stdin) != 0) {
-        Blame("can't be read", errno);
-      }
       return;
     }
     byteNb += count;
@@ -83,6 +76,18 @@ void RefuseSecondStandardInput(const std::string& first, const std::string& seco
   if (IsStandardStream(first) && IsStandardStream(second)) {
     throw UsageFailure("the standard input, '-', can be read only once");
   }
+}
+
+std::size_t ReadStandardInputPart(char* bytes, std::size_t capacity) {
+#ifdef _WIN32
+  _setmode(_fileno(stdin), _O_BINARY);
+#endif
+  errno = 0;
+  const std::size_t count = std::fread(bytes, 1, capacity, stdin);
+  if (count < capacity && std::ferror(stdin) != 0) {
+    Blame("can't be read", errno);
+  }
+  return count;
 }
 
 std::string ReadStandardInput(std::uintmax_t maxBytes) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -17,6 +18,11 @@ std::string ShownInput(const std::string& name);
 /// Refuses a command line that reads two files from the standard input.
 /// @throws UsageFailure
 void RefuseSecondStandardInput(const std::string& first, const std::string& second);
+
+/// Reads the next bytes of the standard input.
+/// @return how many were read; 0 at its end
+/// @throws Failure when it can't be read
+std::size_t ReadStandardInputPart(char* bytes, std::size_t capacity);
 
 /// Reads the standard input to its end.
 /// @throws Failure when it can't be read, or holds more than @p maxBytes
