@@ -1,3 +1,4 @@
+#include "CheckCommand.h"
 #include "Command.h"
 #include "CompletionCommand.h"
 #include "ExplainCommand.h"
@@ -10,6 +11,7 @@
 #include "SolveCommand.h"
 #include "StandardOutput.h"
 #include "ValidateCommand.h"
+#include "VectorsCommand.h"
 #include "WideText.h"
 
 #include <CLI/CLI.hpp>
@@ -37,6 +39,8 @@ const std::vector<CommandEntry>& Commands() {
       {"ik", "give all axis values for one point and one direction", OrvoTool::AddIkCommand},
       {"explain", "say why a point has no answer, and by how much", OrvoTool::AddExplainCommand},
       {"solve", "turn a tool path into axis values", OrvoTool::AddSolveCommand},
+      {"check", "hold axis values against ranges, speeds and the path", OrvoTool::AddCheckCommand},
+      {"vectors", "write and verify golden vectors of a machine", OrvoTool::AddVectorsCommand},
       {"new", "write the machine file of a common kind of machine", OrvoTool::AddNewCommand},
       {"completion", "", OrvoTool::AddCompletionCommand},
   };
