@@ -97,6 +97,14 @@ std::string ReadStandardInput(std::uintmax_t maxBytes) {
 }
 
 SpooledInput::SpooledInput(const std::string& suffix, std::uintmax_t maxBytes) {
+  Fill(suffix, [maxBytes](const Taker& take) { ReadParts(maxBytes, take); });
+}
+
+SpooledInput::SpooledInput(const std::string& suffix, const std::string& bytes) {
+  Fill(suffix, [&bytes](const Taker& take) { take(bytes); });
+}
+
+void SpooledInput::Fill(const std::string& suffix, const std::function<void(const Taker&)>& give) {
   std::error_code error;
   const std::filesystem::path folder = std::filesystem::temp_directory_path(error);
   if (error) {
@@ -122,7 +130,7 @@ SpooledInput::SpooledInput(const std::string& suffix, std::uintmax_t maxBytes) {
     KeepWhenInterrupted(interruptionSlot_);
   };
   try {
-    ReadParts(maxBytes, [stream, &isGood, &reason](std::string_view part) {
+    give([stream, &isGood, &reason](std::string_view part) {
       errno = 0;
       if (isGood && std::fwrite(part.data(), 1, part.size(), stream) != part.size()) {
         isGood = false;
