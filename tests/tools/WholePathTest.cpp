@@ -29,7 +29,7 @@ const std::string Trunnion = ExampleMachine("trunnion_ac");
 std::vector<std::string> RowsOf(const ToolRun& tool, const std::string& points,
                                 std::vector<std::string> more, ToolResult* result) {
   const std::string path = tool.Write("path.csv", points);
-  std::vector<std::string> arguments = {"solve", Trunnion,  path, "-o", tool.File("axes.csv"),
+  std::vector<std::string> arguments = {"solve",    Trunnion, path, "-o", tool.File("axes.csv"),
                                         "--offset", "0,0,30"};
   arguments.insert(arguments.end(), more.begin(), more.end());
   *result = tool.Run(arguments);
@@ -89,9 +89,15 @@ TEST(WholePath, FailuresSayWhy) {
 // The shift that is named brings all points in.
 TEST(WholePath, TheNamedShiftHelps) {
   const ToolRun tool;
-  const std::vector<std::string> common = {
-      "solve", ExampleMachine("head_table_bc"), ExamplePath("hemisphere_ball_end"),
-      "--policy", "optimal", "--offset", "0,0,120", "--summary", "json"};
+  const std::vector<std::string> common = {"solve",
+                                           ExampleMachine("head_table_bc"),
+                                           ExamplePath("hemisphere_ball_end"),
+                                           "--policy",
+                                           "optimal",
+                                           "--offset",
+                                           "0,0,120",
+                                           "--summary",
+                                           "json"};
   std::vector<std::string> arguments = common;
   arguments.insert(arguments.end(), {"--shift", "0,0,360"});
   ToolResult result = tool.Run(arguments);
@@ -106,9 +112,9 @@ TEST(WholePath, TheNamedShiftHelps) {
   const double z = 360.0 + summary["shift"][2].get<double>();
   EXPECT_GT(z, 391.0);
   arguments = common;
-  arguments.insert(arguments.end(),
-                   {"--shift", TripleText(Vector3D(summary["shift"][0], summary["shift"][1],
-                                                   z + 1e-6))});
+  arguments.insert(
+      arguments.end(),
+      {"--shift", TripleText(Vector3D(summary["shift"][0], summary["shift"][1], z + 1e-6))});
   result = tool.Run(arguments);
   EXPECT_EQ(result.status, 0) << result.err;
   EXPECT_EQ(Json::parse(result.out)["solved"], 12000);
@@ -151,8 +157,7 @@ TEST(WholePath, SuffixOfTheResultCounts) {
   EXPECT_EQ(tool.Run({"solve", Trunnion, path, "-o", tool.File("a.jsonl")}).status, 0);
   EXPECT_THAT(tool.Folder().Read("a.jsonl"), StartsWith("{\"line\":2,\"axes\":{\"X\":"));
   EXPECT_EQ(
-      tool.Run({"solve", Trunnion, path, "-o", tool.File("b.jsonl"), "--format", "csv"}).status,
-      0);
+      tool.Run({"solve", Trunnion, path, "-o", tool.File("b.jsonl"), "--format", "csv"}).status, 0);
   EXPECT_THAT(tool.Folder().Read("b.jsonl"), StartsWith("X,Y,Z,A,C,solutions,flags\n"));
 }
 
@@ -203,20 +208,19 @@ TEST(WholePath, HostilePathsAreNamed) {
     const char* bytes;
     const char* what;
   };
-  for (const Case& c : {Case{"p.csv", "x,y,z,i,j\n1,2,3,0,0\n", "p.csv:1:1: there is no column k"},
-                        Case{"p.csv", "x,y,z,i,j,k\n1,2,3,0,0,0\n", "p.csv:2:7: the direction"},
-                        Case{"p.csv", "x,y,z,i,j,k\n1,2,three,0,0,1\n", "p.csv:2:5: z: 'three'"},
-                        Case{"p.csv", "", "p.csv:1:1: the file is empty"},
-                        Case{"p.jsonl", "{\"x\":1\n", "p.jsonl:1:"},
-                        Case{"p.jsonl", "[1,2,3]\n", "p.jsonl:1:"},
-                        Case{"p.apt", "GOTO/1,2\n", "p.apt:1:"},
-                        Case{"p.apt", "CIRCLE/0,0,0\n", "p.apt:1:1: "},
-                        Case{"p.csv", "x,y,z,i,j,k\n", "p.csv: the path has no point"}}) {
+  for (const Case& c :
+       {Case{"p.csv", "x,y,z,i,j\n1,2,3,0,0\n", "p.csv:1:1: there is no column k"},
+        Case{"p.csv", "x,y,z,i,j,k\n1,2,3,0,0,0\n", "p.csv:2:7: the direction"},
+        Case{"p.csv", "x,y,z,i,j,k\n1,2,three,0,0,1\n", "p.csv:2:5: z: 'three'"},
+        Case{"p.csv", "", "p.csv:1:1: the file is empty"},
+        Case{"p.jsonl", "{\"x\":1\n", "p.jsonl:1:"}, Case{"p.jsonl", "[1,2,3]\n", "p.jsonl:1:"},
+        Case{"p.apt", "GOTO/1,2\n", "p.apt:1:"}, Case{"p.apt", "CIRCLE/0,0,0\n", "p.apt:1:1: "},
+        Case{"p.csv", "x,y,z,i,j,k\n", "p.csv: the path has no point"}}) {
     for (const char* policy : {"greedy", "optimal"}) {
       SCOPED_TRACE(std::string(c.file) + ": " + c.bytes);
       const std::string path = tool.Write(c.file, c.bytes);
-      const ToolResult result = tool.Run(
-          {"solve", Trunnion, path, "--policy", policy, "-o", tool.File("axes.csv")});
+      const ToolResult result =
+          tool.Run({"solve", Trunnion, path, "--policy", policy, "-o", tool.File("axes.csv")});
       EXPECT_EQ(result.status, 2);
       EXPECT_EQ(result.out, "");
       EXPECT_THAT(result.err, HasSubstr(c.what));
@@ -276,8 +280,8 @@ TEST(WholePath, MeasuresCount) {
   const std::string path =
       tool.Write("path.csv", "x,y,z,i,j,k\n0,0,0,0,0.6,0.8\n30,0,0,0,0.6,0.8\n");
   const auto costOf = [&](std::vector<std::string> more) {
-    std::vector<std::string> arguments = {"solve", Trunnion, path, "--summary", "json",
-                                          "--policy", "optimal", "--free-start"};
+    std::vector<std::string> arguments = {"solve", Trunnion,   path,      "--summary",
+                                          "json",  "--policy", "optimal", "--free-start"};
     arguments.insert(arguments.end(), more.begin(), more.end());
     const ToolResult result = tool.Run(arguments);
     EXPECT_EQ(result.status, 0) << result.err;
