@@ -102,8 +102,8 @@ TEST(PairsAsAWhole, OptimalIsNoLongerThanGreedy) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Policies, Pairs, testing::Values("machine", "greedy", "optimal"),
-                         [](const testing::TestParamInfo<const char*>& info) {
-                           return std::string(info.param);
+                         [](const testing::TestParamInfo<const char*>& machine) {
+                           return std::string(machine.param);
                          });
 
 // The program that drove the real machine meets the path's tips within its three decimals, and no
