@@ -149,7 +149,7 @@ TEST(Check, StandardInputIsRead) {
   const ToolResult result = tool.Shell(check + "- --axes-from jsonl <a.jsonl");
   EXPECT_EQ(result.status, 0) << result.err;
   EXPECT_THAT(result.out,
-              HasSubstr("standard input on " + Trunnion + ": good\n\n  rows              2\n"));
+              HasSubstr("standard input on " + Trunnion + ": good\n\n  rows            2\n"));
 }
 
 // Registers that the file doesn't name stand where --start has them.

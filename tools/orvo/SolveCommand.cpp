@@ -40,8 +40,8 @@ const char Footer[] = R"(Lengths are in the machine's unit, angles in degrees, f
 
 The policies:
   machine  for each point the rotary solution nearest to the position before it,
-           by the calculator and its tolerances; ranges of linear axes are
-           checked behind that. Which solution is near depends on the program system.
+           by the calculator and its tolerances; then the ranges of linear axes
+           are looked at. Which solution is near depends on the program system.
            ShortestWay: by whole turns, within the ranges. Default and
            AlphaPositive: the nearer one of those between -180 and 180 degrees
   greedy   the same choice among exact answers within all ranges; a reason for
