@@ -2,6 +2,7 @@
 
 #include "Failure.h"
 #include "MachineFileFault.h"
+#include "StandardInput.h"
 #include "WideText.h"
 
 #include <cerrno>
@@ -15,14 +16,14 @@ namespace OrvoTool {
 namespace {
 
 /// Throws the Failure for a file that could not be read; `what` is what the reader said, if it did.
-[[noreturn]] void BlameFile(const std::string& name, const std::string& what) {
-  const std::string shown = Printable(name);
+[[noreturn]] void BlameFile(const std::string& name, const std::string& shown,
+                            const std::string& what) {
   const std::optional<MachineFileFault> fault = FindMachineFileFault(name);
   if (fault) {
-    throw Failure(ExitCode::Input, shown + ":" + std::to_string(fault->line) + ":" +
-                                       std::to_string(fault->column) + ": " + fault->what);
+    throw Failure(ExitCode::Unreadable, shown + ":" + std::to_string(fault->line) + ":" +
+                                            std::to_string(fault->column) + ": " + fault->what);
   }
-  throw Failure(ExitCode::Input,
+  throw Failure(ExitCode::Unreadable,
                 shown + ": is no machine file" + (what.empty() ? "" : ": ") + what);
 }
 
@@ -32,24 +33,23 @@ void CheckFile(const std::string& name) {
   const std::filesystem::path file = FileFromUtf8(name);
   std::error_code error;
   if (std::filesystem::is_directory(file, error)) {
-    throw Failure(ExitCode::Input, shown + ": is a folder, not a file");
+    throw Failure(ExitCode::Unreadable, shown + ": is a folder, not a file");
   }
   errno = 0;
   std::ifstream stream(file, std::ios::binary);
   if (!stream) {
-    throw Failure(ExitCode::Input,
+    throw Failure(ExitCode::Unreadable,
                   shown + ": can't be opened" +
                       (errno != 0 ? ": " + std::generic_category().message(errno) : ""));
   }
 }
 
-}  // namespace
-
-void ReadMachine(const std::string& name, Orvo::Kin::Machine* machine) {
-  CheckFile(name);
+/// Reads a file by its name; messages call it as @p shown says.
+void ReadNamedMachine(const std::string& name, const std::string& shown,
+                      Orvo::Kin::Machine* machine) {
   const std::optional<std::wstring> wide = WideFromUtf8(name);
   if (!wide) {
-    throw Failure(ExitCode::Input, Printable(name) + ": the name of a machine file must be UTF-8");
+    throw Failure(ExitCode::Unreadable, shown + ": the name of a machine file must be UTF-8");
   }
   try {
     if (machine->ReadXML(*wide)) {
@@ -57,9 +57,30 @@ void ReadMachine(const std::string& name, Orvo::Kin::Machine* machine) {
     }
   } catch (const std::logic_error& error) {
     // A text that is no number, or an id or register that is too large.
-    BlameFile(name, error.what());
+    BlameFile(name, shown, error.what());
   }
-  BlameFile(name, "");
+  BlameFile(name, shown, "");
+}
+
+}  // namespace
+
+void ReadMachine(const std::string& name, Orvo::Kin::Machine* machine) {
+  const std::string shown = ShownInput(name);
+  if (IsStandardStream(name)) {
+    const SpooledInput spooled(".xml", MaxMachineFileBytes);
+    ReadNamedMachine(spooled.GetName(), shown, machine);
+    return;
+  }
+  CheckFile(name);
+  ReadNamedMachine(name, shown, machine);
+}
+
+void ReadValidMachine(const std::string& name, Orvo::Kin::Machine* machine) {
+  ReadMachine(name, machine);
+  if (!machine->IsFinished()) {
+    throw Failure(ExitCode::MachineInvalid, ShownInput(name) + ": the machine is " +
+                                                DescribeVerdict(machine->GetLastError()));
+  }
 }
 
 const char* DescribeVerdict(Orvo::Kin::MachineErrorType error) {

@@ -3,15 +3,23 @@
 #include <Orvo/Kin/Enumerations.h>
 #include <Orvo/Kin/Machine.h>
 
+#include <cstdint>
 #include <string>
 
 namespace OrvoTool {
 
+/// No machine file is larger, in bytes.
+constexpr std::uintmax_t MaxMachineFileBytes = 256ULL << 20U;
+
 /// Reads a machine file, without its meshes. The machine may turn out not to be valid.
 ///
-/// @param name  the file's name in UTF-8
+/// @param name  the file's name in UTF-8; "-" for the standard input
 /// @throws Failure naming the file and, where the fault can be found, its line and column
 void ReadMachine(const std::string& name, Orvo::Kin::Machine* machine);
+
+/// Does the same, and refuses a machine that can't be computed with.
+/// @throws Failure, with ExitCode::MachineInvalid where the machine is not valid
+void ReadValidMachine(const std::string& name, Orvo::Kin::Machine* machine);
 
 /// Returns in words why a machine can't be computed with, or that it can.
 const char* DescribeVerdict(Orvo::Kin::MachineErrorType error);

@@ -1,4 +1,7 @@
+#include "Command.h"
+#include "CompletionCommand.h"
 #include "Failure.h"
+#include "HelpText.h"
 #include "InfoCommand.h"
 #include "SolveCommand.h"
 #include "StandardOutput.h"
@@ -6,6 +9,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cstddef>
 #include <cstdio>
 #include <exception>
 #include <new>
@@ -15,7 +19,19 @@
 
 namespace {
 
+using OrvoTool::CommandAction;
+using OrvoTool::CommandEntry;
 using OrvoTool::ExitCode;
+
+/// All commands, in the order of the help. One without a summary is not shown there.
+const std::vector<CommandEntry>& Commands() {
+  static const std::vector<CommandEntry> commands = {
+      {"info", "show what a machine file holds", OrvoTool::AddInfoCommand},
+      {"solve", "turn a tool path into axis values", OrvoTool::AddSolveCommand},
+      {"completion", "", OrvoTool::AddCompletionCommand},
+  };
+  return commands;
+}
 
 /// Writes a message and a line end to the error stream. Asks for no memory: there may be none.
 void Complain(const char* message) {
@@ -23,19 +39,6 @@ void Complain(const char* message) {
   std::fputs("\n", stderr);
   std::fflush(stderr);
 }
-
-const std::string HelpText = R"(Usage: orvo COMMAND ...
-
-Computes with the kinematics of multi-axis machine tools.
-
-Commands:
-  info    show what a machine file holds
-  solve   turn a tool path into axis values
-
-Options:
-  -h, --help   print this help; 'orvo COMMAND --help' tells more about a command
-  --version    print the version
-)";
 
 /// Answers what is not to be run: help and version to the standard output, a wrong command line to
 /// the error stream.
@@ -65,18 +68,33 @@ ExitCode Run(int argc, char** argv) {
   CLI::App app;
   app.set_version_flag("--version", std::string("orvo ") + ORVO_TOOL_VERSION);
   app.require_subcommand(1);
-  app.formatter_fn(
-      [](const CLI::App*, const std::string&, CLI::AppFormatMode) { return HelpText; });
-  OrvoTool::InfoOptions infoOptions;
-  OrvoTool::SolveOptions solveOptions;
-  const CLI::App* info = OrvoTool::AddInfoCommand(&app, &infoOptions);
-  OrvoTool::AddSolveCommand(&app, &solveOptions);
+  app.formatter_fn([](const CLI::App* shown, const std::string&, CLI::AppFormatMode) {
+    return shown->get_parent() == nullptr ? OrvoTool::MakeProgramHelp(Commands())
+                                          : OrvoTool::MakeCommandHelp(*shown);
+  });
+  std::vector<const CLI::App*> commands;
+  std::vector<CommandAction> actions;
+  for (const CommandEntry& entry : Commands()) {
+    CLI::App* command = app.add_subcommand(entry.name);
+    commands.push_back(command);
+    actions.push_back(entry.add(command));
+  }
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     return Answer(app, error);
   }
-  return info->parsed() ? OrvoTool::RunInfo(infoOptions) : OrvoTool::RunSolve(solveOptions);
+  std::size_t chosen = 0;
+  while (!commands[chosen]->parsed()) {
+    ++chosen;
+  }
+  try {
+    return actions[chosen]();
+  } catch (const OrvoTool::UsageFailure& failure) {
+    const std::string name = std::string("orvo ") + Commands()[chosen].name;
+    Complain((name + ": " + failure.what() + "\nTry: " + name + " --help").c_str());
+    return ExitCode::Usage;
+  }
 }
 
 }  // namespace
@@ -89,10 +107,10 @@ int main(int argc, char** argv) {
     return static_cast<int>(failure.GetCode());
   } catch (const std::bad_alloc&) {
     Complain("orvo: there is not enough memory");
-    return static_cast<int>(ExitCode::Input);
+    return static_cast<int>(ExitCode::Unreadable);
   } catch (const std::exception& error) {
     std::fputs("orvo: ", stderr);
     Complain(error.what());
-    return static_cast<int>(ExitCode::Input);
+    return static_cast<int>(ExitCode::Unreadable);
   }
 }

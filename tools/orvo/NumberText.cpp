@@ -91,6 +91,12 @@ std::string FixedNumber(double value, int decimals) {
   return written;
 }
 
+std::string ExactNumber(double value) {
+  char text[FixedCapacity];
+  const auto result = std::to_chars(text, text + FixedCapacity, value);
+  return std::string(text, result.ptr);
+}
+
 std::string_view Trim(std::string_view text) {
   const std::size_t first = text.find_first_not_of(" \t");
   if (first == std::string_view::npos) {

@@ -34,6 +34,10 @@ std::string ShortNumber(double value, int digits = 6);
 /// Returns a number with @p decimals decimals.
 std::string FixedNumber(double value, int decimals);
 
+/// Returns a number with as many digits as it takes to read the same double back, whatever the
+/// locale; "inf", "-inf" or "nan" where it is none.
+std::string ExactNumber(double value);
+
 /// Takes blanks and tabs off both ends.
 std::string_view Trim(std::string_view text);
 

@@ -52,7 +52,7 @@ bool MakeUnitExactly(Orvo::Vector3D* v, bool* wasUnit) {
 PathReader::PathReader(const std::string& name) : lines_(name) {
   std::string_view content;
   if (!NextContent(&content)) {
-    throw Failure(ExitCode::Input,
+    throw Failure(ExitCode::Unreadable,
                   Printable(name) +
                       ":1:1: the file is empty; its first line must name the columns "
                       "x,y,z,i,j,k");

@@ -1,6 +1,7 @@
 #include "SolveCommand.h"
 
 #include "AxisNames.h"
+#include "Failure.h"
 #include "MachineFile.h"
 #include "NumberText.h"
 #include "OutputFile.h"
@@ -23,6 +24,7 @@
 #include <array>
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string_view>
 #include <system_error>
@@ -36,6 +38,16 @@ constexpr int MaxRegisters = 4096;
 
 const std::string SolutionsColumn = "solutions";
 const std::string FlagsColumn = "flags";
+
+struct SolveOptions {
+  std::string machine;
+  std::string path;
+  std::string programSystem = "0";
+  std::string offset = "0,0,0";
+  std::string shift = "0,0,0";
+  std::string start;
+  std::string output;
+};
 
 const std::string HelpText = R"(Usage: orvo solve MACHINE.xml PATH.csv [OPTIONS] -o AXES.csv
 
@@ -86,8 +98,9 @@ degrees.
 Exit status:
   0  every point is solved
   1  the command line is wrong
-  2  a file can't be read; the message names its line and column
-  3  the result or the summary can't be written; no part of a result is left
+  2  a file can't be read, the message names its line and column; or the result
+     or the summary can't be written, no part of a result is left then
+  3  the machine is not valid, or its program system can't be computed with
   4  some points are unreachable, whether or not others are out of range
   5  some points are out of range
 
@@ -95,9 +108,7 @@ Example:
   orvo solve machine.xml path.csv --offset 0,0,30 -o axes.csv
 )";
 
-[[noreturn]] void BlameUsage(const std::string& what) {
-  throw Failure(ExitCode::Usage, "orvo solve: " + what);
-}
+[[noreturn]] void BlameUsage(const std::string& what) { throw UsageFailure(what); }
 
 Orvo::Vector3D ReadVector(const char* option, const std::string& text) {
   const std::optional<std::array<double, 3>> triple = ReadTriple(text);
@@ -241,38 +252,20 @@ void SolvePath(PathReader* reader, const AxisNames& names, PathSolver* solver, O
   }
 }
 
-}  // namespace
-
-CLI::App* AddSolveCommand(CLI::App* app, SolveOptions* options) {
-  CLI::App* solve = app->add_subcommand("solve");
-  solve->add_option("MACHINE.xml", options->machine)->required();
-  solve->add_option("PATH.csv", options->path)->required();
-  solve->add_option("-o,--output", options->output)->required();
-  solve->add_option("-p,--program-system", options->programSystem);
-  solve->add_option("--offset", options->offset);
-  solve->add_option("--shift", options->shift);
-  solve->add_option("--start", options->start);
-  solve->formatter_fn(
-      [](const CLI::App*, const std::string&, CLI::AppFormatMode) { return HelpText; });
-  return solve;
-}
-
+/// @return Success, or Unreachable or OutOfRange when some points are; the former wins
 ExitCode RunSolve(const SolveOptions& options) {
   const Orvo::Vector3D offset = ReadVector("--offset", options.offset);
   const Orvo::Vector3D shift = ReadVector("--shift", options.shift);
   const std::string machineName = Printable(options.machine);
 
   Orvo::Kin::Machine machine;
-  ReadMachine(options.machine, &machine);
-  if (!machine.IsFinished()) {
-    throw Failure(ExitCode::Input,
-                  machineName + ": the machine is " + DescribeVerdict(machine.GetLastError()));
-  }
+  ReadValidMachine(options.machine, &machine);
   if (machine.GetRegisterNb().GetVal() > MaxRegisters) {
-    throw Failure(ExitCode::Input, machineName + ": the machine has " +
-                                       std::to_string(machine.GetRegisterNb().GetVal()) +
-                                       " registers; a table of at most " +
-                                       std::to_string(MaxRegisters) + " columns can be written");
+    throw Failure(ExitCode::Unreadable, machineName + ": the machine has " +
+                                            std::to_string(machine.GetRegisterNb().GetVal()) +
+                                            " registers; a table of at most " +
+                                            std::to_string(MaxRegisters) +
+                                            " columns can be written");
   }
   const AxisNames names(machine, {SolutionsColumn, FlagsColumn});
   const int number = FindProgramSystem(machine, options.programSystem);
@@ -287,7 +280,7 @@ ExitCode RunSolve(const SolveOptions& options) {
                                  PrintableFromWide(programSystem.GetProgramSystemName()) + ")";
   const std::string fault = solver.FindFault();
   if (!fault.empty()) {
-    throw Failure(ExitCode::Input, machineName + ": " + systemName + ": " + fault);
+    throw Failure(ExitCode::MachineInvalid, machineName + ": " + systemName + ": " + fault);
   }
   RefuseToOverwrite(options.machine, options.output);
   RefuseToOverwrite(options.path, options.output);
@@ -297,7 +290,8 @@ ExitCode RunSolve(const SolveOptions& options) {
   OutputFile output(options.output);
   SolvePath(&reader, names, &solver, &output, &summary);
   if (summary.GetPointCount() == 0) {
-    throw Failure(ExitCode::Input, Printable(options.path) + ": no point follows the first line");
+    throw Failure(ExitCode::Unreadable,
+                  Printable(options.path) + ": no point follows the first line");
   }
   output.Finish();
 
@@ -308,6 +302,22 @@ ExitCode RunSolve(const SolveOptions& options) {
     return ExitCode::Unreachable;
   }
   return summary.GetOutCount() > 0 ? ExitCode::OutOfRange : ExitCode::Success;
+}
+
+}  // namespace
+
+CommandAction AddSolveCommand(CLI::App* command) {
+  const auto options = std::make_shared<SolveOptions>();
+  command->add_option("MACHINE.xml", options->machine)->required()->type_name("FILE");
+  command->add_option("PATH.csv", options->path)->required()->type_name("FILE");
+  command->add_option("-o,--output", options->output)->required()->type_name("FILE");
+  command->add_option("-p,--program-system", options->programSystem)->type_name("N|NAME");
+  command->add_option("--offset", options->offset)->type_name("X,Y,Z");
+  command->add_option("--shift", options->shift)->type_name("X,Y,Z");
+  command->add_option("--start", options->start)->type_name("VALUES");
+  command->formatter_fn(
+      [](const CLI::App*, const std::string&, CLI::AppFormatMode) { return HelpText; });
+  return [options]() { return RunSolve(*options); };
 }
 
 }  // namespace OrvoTool

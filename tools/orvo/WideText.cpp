@@ -73,8 +73,11 @@ std::string PrintableFromWide(std::wstring_view text) { return Printable(Utf8Fro
 
 std::size_t CountCharacters(std::string_view text) {
   std::size_t count = 0;
+  bool isColor = false;
   for (const char c : text) {
-    count += (static_cast<unsigned char>(c) & 0xC0U) != 0x80 ? 1 : 0;
+    isColor = isColor || c == '\x1b';
+    count += !isColor && (static_cast<unsigned char>(c) & 0xC0U) != 0x80 ? 1 : 0;
+    isColor = isColor && c != 'm';
   }
   return count;
 }
@@ -86,6 +89,14 @@ std::filesystem::path FileFromUtf8(std::string_view name) {
 #else
   // File names are bytes here: a name that is no UTF-8 still names its file.
   return std::filesystem::path(name);
+#endif
+}
+
+std::string Utf8FromFile(const std::filesystem::path& file) {
+#ifdef _WIN32
+  return Utf8FromWide(file.wstring());
+#else
+  return file.string();
 #endif
 }
 
