@@ -1,5 +1,8 @@
 #include "Command.h"
 #include "CompletionCommand.h"
+#ifdef ORVO_TOOL_HAS_EXCHANGE
+#include "ConvertCommand.h"
+#endif
 #include "Failure.h"
 #include "HelpText.h"
 #include "InfoCommand.h"
@@ -28,6 +31,9 @@ const std::vector<CommandEntry>& Commands() {
   static const std::vector<CommandEntry> commands = {
       {"info", "show what a machine file holds", OrvoTool::AddInfoCommand},
       {"solve", "turn a tool path into axis values", OrvoTool::AddSolveCommand},
+#ifdef ORVO_TOOL_HAS_EXCHANGE
+      {"convert", "write a machine in another format", OrvoTool::AddConvertCommand},
+#endif
       {"completion", "", OrvoTool::AddCompletionCommand},
   };
   return commands;
