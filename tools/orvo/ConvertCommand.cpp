@@ -324,6 +324,9 @@ ExitCode RunConvert(const ConvertOptions& options) {
 
 CommandAction AddConvertCommand(CLI::App* command) {
   const auto options = std::make_shared<ConvertOptions>();
+  // Without its own words in the help.
+  CLI::Validator isPositive = CLI::PositiveNumber;
+  isPositive.description("");
   command->description(Description);
   command->footer(Footer);
   command
@@ -351,13 +354,13 @@ CommandAction AddConvertCommand(CLI::App* command) {
       ->add_option("--seconds", options->seconds,
                    "how long the motion takes where there is no column 'time'; 0.1 seconds a row "
                    "if not given")
-      ->check(CLI::PositiveNumber)
+      ->check(isPositive)
       ->type_name("SECONDS");
   command
       ->add_option("--unit", options->metersPerUnit,
                    "how many meters the machine's unit has, for glb, gltf and urdf; 0.001 if not "
                    "given")
-      ->check(CLI::PositiveNumber)
+      ->check(isPositive)
       ->type_name("METERS");
   command->add_flag("--no-meshes", options->leavesMeshesOut, "leaves meshes out");
   return [options]() { return RunConvert(*options); };
