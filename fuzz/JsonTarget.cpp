@@ -73,6 +73,12 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string first = json(machine);
   Kin::Machine again = Read(first);
   Require(json(again) == first, "what is written is read the same");
+  static const InputFile file("machine.xml");
+  const auto machineFile = [](Kin::Machine* what) {
+    Require(what->WriteXML(file.Path()), "a machine file can be written");
+    return file.Read();
+  };
+  Require(machineFile(&again) == machineFile(&machine), "both are the same machine file");
   for (const bool isGlb : {true, false}) {
     Written([&](std::ostream& out) {
       if (isGlb) {
