@@ -120,7 +120,7 @@ TEST(Convert, StatusTellsWhatIsWrong) {
       {{"convert", tool.File("none.json"), "-", "--to", "dot"}, 2, "can't be opened"},
       {{"convert", machine, tool.File("no/m.json")}, 2, "no/m.json"},
       {{"convert", machine, tool.File("m.glb"), "--animate", words}, 2, "words.csv:3:3: 'x'"},
-      {{"convert", invalid, tool.File("m.glb")}, 3, "no head"},
+      {{"convert", invalid, tool.File("m.glb")}, 3, "no element is a HEAD"},
       {{"convert", invalid, tool.File("m.xml")}, 3, ""}};
   for (const Case& c : cases) {
     SCOPED_TRACE(testing::PrintToString(c.arguments));

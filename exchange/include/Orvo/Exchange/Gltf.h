@@ -25,7 +25,7 @@ struct GltfOptions {
   /// Where the axes stand in the scene, by register; empty: all at 0.
   Kin::MachinePosition position;
 
-  /// The motion of the axes; empty: none. Axes that stand still in it get no channel.
+  /// The motion of the axes; empty: none. Axes that stay where the scene has them get no channel.
   std::vector<AnimationKey> animation;
 
   /// The name of the root node and the scene, UTF-8.

@@ -22,8 +22,8 @@ struct JsonWriteOptions {
 
 /// How a machine is read from JSON.
 struct JsonReadOptions {
-  /// A longer text is refused before it is looked at. Reading takes at most about ten times as many
-  /// bytes of memory as the text has, and the machine itself; at most 2 GiB - 1 counts.
+  /// A longer text is refused before it is looked at. Reading takes at most about forty times as
+  /// many bytes of memory as the text has, and the machine itself; at most 2 GiB - 1 counts.
   std::uint64_t largestSize = 256U << 20U;
 
   /// Whether the geometry of the meshes is read too, from the files that they name.
