@@ -1,7 +1,6 @@
 #include "exchange/ByteSink.h"
 #include "exchange/JsonTape.h"
 #include "exchange/MachineWords.h"
-#include "exchange/StoredLink.h"
 #include "exchange/TextEncoding.h"
 
 #include <Orvo/Exchange/ExchangeError.h>
@@ -12,9 +11,12 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <cmath>
 #include <fstream>
 #include <istream>
+#include <iterator>
 #include <limits>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -32,6 +34,12 @@ constexpr std::int64_t LargestInt = std::numeric_limits<int>::max();
 /// The largest id or register that a machine takes.
 constexpr std::int64_t LargestIndex = 16777215;
 
+/// How far the square of a unit vector's length may be from 1 by rounding.
+constexpr double LargestRounding = 4e-15;
+
+/// A shorter direction becomes the X axis, as in links.
+constexpr double SmallestDirection = 0.001;
+
 /// The deepest machine has 6: the object, elements, an element, its link, a frame, a column.
 constexpr std::size_t LargestDepth = 6;
 
@@ -44,6 +52,14 @@ struct EntitySetters : Entity {
   static constexpr void (Entity::*setParallelType)(const Kin::EntityParallelType&) =
       &EntitySetters::SetEntityParallelType;
 };
+
+/// Hands out a field of a link for change. The link itself is to be changed, its accessor has the
+/// field that it keeps; the setters would make the direction unit once more, which moves its last
+/// bits, and have only three of the kinds.
+template <typename Field>
+Field& Stored(const Field& field) {
+  return const_cast<Field&>(field);
+}
 
 template <typename Enumeration, typename Words>
 Enumeration ReadWord(const JsonTape& tape, std::size_t value, const Words& words) {
@@ -78,8 +94,6 @@ class MachineBuilder {
 
   Kin::Machine* machine_;
   const JsonReadOptions& options_;
-  std::vector<StoredLink> storedLinks_;
-  std::vector<Entity*> linkOwners_;
 };
 
 std::size_t Require(const JsonTape& tape, std::size_t object, std::size_t value, const char* name) {
@@ -95,6 +109,17 @@ Vector3D ReadVector(const JsonTape& tape, std::size_t value) {
     tape.Fail(value, "3 numbers were expected, not " + std::to_string(numbers.size()));
   }
   return Vector3D(numbers[0], numbers[1], numbers[2]);
+}
+
+/// A direction that is unit already keeps its bits, and so does one that a link has before any is
+/// set or that holds NaN; others are made unit, as the reader of machine files does.
+Vector3D ReadDirection(const JsonTape& tape, std::size_t value) {
+  Vector3D direction = ReadVector(tape, value);
+  const double square = direction.NormSquare();
+  if (square != 0.0 && std::abs(square - 1.0) > LargestRounding) {
+    direction.MakeUnit(SmallestDirection);
+  }
+  return direction;
 }
 
 Matrix43 ReadFrame(const JsonTape& tape, std::size_t value) {
@@ -146,27 +171,21 @@ void ReadSlots(const JsonTape& tape, std::size_t value,
 void MachineBuilder::ReadLink(const JsonTape& tape, std::size_t value, Entity* entity) {
   const std::vector<std::size_t> members =
       tape.Members(value, {"type", "center", "dir", "position", "zeroRef", "rangeMin", "rangeMax"});
-  StoredLink stored;
-  stored.type =
+  const auto type =
       ReadWord<Kin::EntityLinkType>(tape, Require(tape, value, members[0], "type"), LinkTypeWords);
+  EntityLink* const link = entity->GetEntityLinkMod();
+  if (members[3] != 0) {
+    link->SetEntityLinkPosition(ReadFrame(tape, members[3]));
+  }
+  Stored(link->GetEntityLinkType()) = type;
   if (members[1] != 0) {
-    stored.center = ReadVector(tape, members[1]);
+    Stored(link->GetCenter()) = ReadVector(tape, members[1]);
+  }
+  if (type == Kin::EntityLinkTypeLinear || type == Kin::EntityLinkTypeRotary) {
+    Require(tape, value, members[2], "dir");
   }
   if (members[2] != 0) {
-    stored.dir = ReadVector(tape, members[2]);
-  }
-  if (members[3] != 0) {
-    stored.position = ReadFrame(tape, members[3]);
-  }
-  EntityLink* const link = entity->GetEntityLinkMod();
-  if (CanBeSet(stored)) {
-    SetLink(stored, link);
-  } else {
-    if (!CanBeRead(stored)) {
-      tape.Fail(members[3], "columns of 3 numbers were expected for this kind of link");
-    }
-    storedLinks_.push_back(stored);
-    linkOwners_.push_back(entity);
+    Stored(link->GetDir()) = ReadDirection(tape, members[2]);
   }
   ReadSlots(tape, members[4], &EntityLink::SetZeroRef, link);
   ReadSlots(tape, members[5], &EntityLink::SetRangeMin, link);
@@ -309,20 +328,6 @@ void MachineBuilder::ReadHead(const JsonTape& tape, bool isFormat) {
 }
 
 void MachineBuilder::Finish() {
-  if (!storedLinks_.empty()) {
-    const std::vector<EntityLink> links = ReadLinks(storedLinks_);
-    for (std::size_t i = 0; i < links.size(); ++i) {
-      // The slots are there already.
-      const EntityLink slots = linkOwners_[i]->GetEntityLink();
-      EntityLink* const link = linkOwners_[i]->GetEntityLinkMod();
-      *link = links[i];
-      for (unsigned int k = 0; k < Kin::LinkSlotCount; ++k) {
-        link->SetZeroRef(k, slots.GetZeroRef(k));
-        link->SetRangeMin(k, slots.GetRangeMin(k));
-        link->SetRangeMax(k, slots.GetRangeMax(k));
-      }
-    }
-  }
   // Deliberate: a machine that is not valid was read all the same.
   machine_->Finish();
 }

@@ -60,20 +60,17 @@ ORVO_EXCHANGE_API void WriteMachineJsonFile(const Kin::Machine& machine,
 /// finishes it.
 ///
 /// As for machine files, what comes out may not be valid: ask Machine::IsFinished() and
-/// Machine::GetLastError(). Directions are made unit; one that is so already keeps its bits. Texts
+/// Machine::GetLastError(). Directions are made unit; those that are so already, and
+/// (0, 0, 0), keep their bits. Texts
 /// may be indented in any way, members may stand in any order; a member that isn't known, or that
 /// is there twice, is refused, so that nothing gets lost on the way.
-///
-/// Links of the kinds ABC, XYZABC, IDENTITY, XYZIJK, XYZ_REPSPINDL, and of kind UNDEF with values
-/// of their own, come into being through a machine file in the system's folder for temporary files,
-/// which is removed at once.
 ///
 /// @param in       read to its end
 /// @param name     stands for the file in messages, UTF-8
 /// @param machine  replaced; as it was where this throws
 /// @throws ReadError with line and column: the text is no JSON or no machine, is larger than
 ///   allowed, is of another version, holds an id or a register beyond 16,777,215; ExchangeError: a
-///   mesh file can't be read, or a temporary file not be made
+///   mesh file can't be read
 /// @par Cost
 /// Linear in the text. Nothing recurses.
 ORVO_EXCHANGE_API void ReadMachineJson(std::istream& in, const std::string& name,
