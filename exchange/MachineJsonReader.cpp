@@ -43,6 +43,8 @@ constexpr double SmallestDirection = 0.001;
 /// The deepest machine has 6: the object, elements, an element, its link, a frame, a column.
 constexpr std::size_t LargestDepth = 6;
 
+constexpr std::size_t LargestFaultText = 200;
+
 constexpr std::uint64_t LargestText = 0x7FFFFFFF;
 
 // The setters that a machine and its file reader use; a class that is derived may name them.
@@ -406,11 +408,17 @@ class MachineHandler : public nlohmann::json_sax<Json> {
 
   bool parse_error(std::size_t position, const std::string& /*last*/,
                    const nlohmann::detail::exception& error) override {
-    // Of "[json.exception.x] parse error at line 1, column 2: syntax error ..." the end.
-    const std::string text = error.what();
-    const std::size_t begin = text.find(": ");
+    // Of "[json.exception.x] parse error at line 1, column 2: syntax error ..." the end, with no
+    // more than the beginning of what stands in the text.
+    std::string_view text = error.what();
+    for (const std::string_view end : {"] ", ": "}) {
+      const std::size_t found = text.find(end);
+      text.remove_prefix(found == std::string_view::npos ? 0 : found + end.size());
+    }
     faultPosition_ = position;
-    faultText_ = begin == std::string::npos ? text : text.substr(begin + 2);
+    faultText_ = text.substr(0, LargestFaultText);
+    std::replace_if(
+        faultText_.begin(), faultText_.end(), [](char c) { return c < ' ' || c > '~'; }, '?');
     return false;
   }
 
