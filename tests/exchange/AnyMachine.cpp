@@ -25,6 +25,19 @@ bool IsRigid(const Reference::Frame& f) {
          f.m[3] == 0.0 && f.m[7] == 0.0 && f.m[11] == 0.0 && f.m[15] == 1.0;
 }
 
+/// Turns a direction close beside a principal axis into that axis: the library's turn about it
+/// takes it for such, or isn't quite a rotation.
+void SnapToPrincipal(Reference::Vector* dir) {
+  for (double* component : {&dir->x, &dir->y, &dir->z}) {
+    if (std::abs(*component) > (component == &dir->x ? 0.999 : 1.0 - 1e-6)) {
+      const double sign = *component < 0.0 ? -1.0 : 1.0;
+      *dir = Reference::Vector();
+      *component = sign;
+      return;
+    }
+  }
+}
+
 }  // namespace
 
 std::unique_ptr<Kin::Machine> RigidMachine(Property::Draw& draw) {
@@ -38,11 +51,7 @@ std::unique_ptr<Kin::Machine> RigidMachine(Property::Draw& draw) {
         if (step.kind == Reference::Fixed && !IsRigid(step.frame)) {
           step.frame = Reference::Frame();
         }
-        // A turn about an axis close beside X isn't quite a rotation.
-        if (std::abs(step.dir.x) > 0.999) {
-          step.dir.y = 0.0;
-          step.dir.z = 0.0;
-        }
+        SnapToPrincipal(&step.dir);
       }
     }
     auto machine = std::make_unique<Kin::Machine>();
