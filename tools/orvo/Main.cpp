@@ -1,6 +1,7 @@
 #include "CheckCommand.h"
 #include "Command.h"
 #include "CompletionCommand.h"
+#include "ConvertCommand.h"
 #include "ExplainCommand.h"
 #include "Failure.h"
 #include "FkCommand.h"
@@ -42,6 +43,7 @@ const std::vector<CommandEntry>& Commands() {
       {"check", "hold axis values against ranges, speeds and the path", OrvoTool::AddCheckCommand},
       {"vectors", "write and verify golden vectors of a machine", OrvoTool::AddVectorsCommand},
       {"new", "write the machine file of a common kind of machine", OrvoTool::AddNewCommand},
+      {"convert", "write a machine in another format", OrvoTool::AddConvertCommand},
       {"completion", "", OrvoTool::AddCompletionCommand},
   };
   return commands;
