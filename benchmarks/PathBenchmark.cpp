@@ -1,7 +1,7 @@
 // Times whole tool paths: greedy and optimal, with and without residuals, by number of points and
 // of threads. Each run is a process of its own, so that its largest memory can be told.
 //
-//   orvo_path_benchmark [MAX_POINTS]    10000000 by default
+//   orvo_path_benchmark [MAX_POINTS [MIN_POINTS]]    10000000 and 1000 by default
 
 #include <Orvo/Kin/Machine.h>
 #include <Orvo/Kin/MachinePosition.h>
@@ -148,11 +148,12 @@ int SolveInChild(const Run& run) {
 
 int main(int argc, char** argv) {
   const std::uint64_t most = argc > 1 ? std::strtoull(argv[1], nullptr, 10) : 10000000;
+  const std::uint64_t least = argc > 2 ? std::strtoull(argv[2], nullptr, 10) : 1000;
   const unsigned int threads = std::max(1U, std::thread::hardware_concurrency());
   std::printf(
       "   points  choice   checks     threads    time        rate      processors  memory\n");
   int status = 0;
-  for (std::uint64_t n = 1000; n <= most; n *= 10) {
+  for (std::uint64_t n = std::max<std::uint64_t>(least, 10); n <= most; n *= 10) {
     for (const PathChoice choice : {PathChoice::Greedy, PathChoice::Optimal}) {
       for (const bool hasResiduals : {false, true}) {
         status |= SolveInChild({n, choice, hasResiduals, false, threads});

@@ -15,6 +15,13 @@ constexpr double LeastSamples = 4.0;
 constexpr double MostSamples = 4096.0;
 constexpr int SearchSteps = 24;
 
+/// The search for the largest deviation ends where no more than this share of it can be gained.
+constexpr double PromisedShare = 1e-3;
+
+/// Deviations below these are rounding: in radians, and as a share of the tip's coordinates.
+constexpr double DirectionRounding = 1e-12;
+constexpr double TipRounding = 1e-12;
+
 /// Rotary moves below this leave the line nowhere, in degrees.
 constexpr double NoTurnDeg = 1e-12;
 
@@ -44,6 +51,9 @@ class Connection {
   }
 
   bool IsGood() const { return isGood_; }
+
+  /// Returns the size of the numbers that distances are told by.
+  double GetTipSize() const { return std::max({1.0, Norm(tip_), Norm(endTip_)}); }
 
   SegmentDeviation At(double t) {
     SegmentDeviation deviation;
@@ -97,31 +107,83 @@ class Connection {
   Vec3 normal_;
 };
 
-/// Golden-section search (Kiefer, "Sequential Minimax Search for a Maximum", 1953).
-double SearchLargest(Connection* connection, double SegmentDeviation::*what, double low,
-                     double high, double known) {
-  constexpr double ratio = 0.6180339887498949;
-  double a = high - ratio * (high - low);
-  double b = low + ratio * (high - low);
-  double atA = connection->At(a).*what;
-  double atB = connection->At(b).*what;
-  for (int step = 0; step < SearchSteps; ++step) {
-    known = std::max({known, atA, atB});
-    if (atA > atB) {
-      high = b;
-      b = a;
-      atB = atA;
-      a = high - ratio * (high - low);
-      atA = connection->At(a).*what;
-    } else {
-      low = a;
-      a = b;
-      atA = atB;
-      b = low + ratio * (high - low);
-      atB = connection->At(b).*what;
-    }
+/// The largest value of one kind along a move, between two places with smaller ones.
+struct Peak {
+  double SegmentDeviation::*what = nullptr;
+  double negligible = 0.0;  ///< below this there is nothing but rounding
+  double low = 0.0;
+  double at = 0.5;
+  double high = 1.0;
+  double valueLow = 0.0;
+  double value = 0.0;
+  double valueHigh = 0.0;
+
+  /// What the top may have above the middle, if it rises no faster than between these places.
+  double MostGain() const { return value - std::min(valueLow, valueHigh); }
+};
+
+/// Where the parabola through three places of a peak has its top, and how far above the largest of
+/// them that is.
+struct Vertex {
+  double at = 0.0;
+  double gain = 0.0;
+};
+
+Vertex FindVertex(const Peak& peak) {
+  const double left = peak.at - peak.low;
+  const double right = peak.high - peak.at;
+  const double riseLeft = (peak.value - peak.valueLow) / left;
+  const double riseRight = (peak.value - peak.valueHigh) / right;
+  const double bend = riseLeft + riseRight;
+  if (!(bend > 0.0)) {
+    return {peak.at, 0.0};
   }
-  return std::max({known, atA, atB});
+  // value + slope (t - at) - bend / (left + right) (t - at)^2
+  const double slope = (riseLeft * right - riseRight * left) / (left + right);
+  const double step = slope * (left + right) / (2.0 * bend);
+  return {peak.at + step, 0.5 * slope * step};
+}
+
+/// Narrows a peak by what was found beside its middle.
+void Narrow(Peak* peak, double at, double value) {
+  const bool isLeft = at < peak->at;
+  if (value > peak->value) {
+    (isLeft ? peak->high : peak->low) = peak->at;
+    (isLeft ? peak->valueHigh : peak->valueLow) = peak->value;
+    peak->at = at;
+    peak->value = value;
+  } else {
+    (isLeft ? peak->low : peak->high) = at;
+    (isLeft ? peak->valueLow : peak->valueHigh) = value;
+  }
+}
+
+/// Successive parabolic interpolation, secured by golden sections as in Brent, "Algorithms for
+/// Minimization without Derivatives" (1973), chapter 5; ends where the parabola promises less than
+/// a thousandth more.
+void Climb(Connection* connection, Peak* peak, SegmentDeviation* largest) {
+  constexpr double golden = 0.3819660112501051;
+  double widthBefore = 2.0 * (peak->high - peak->low);
+  for (int step = 0; step < SearchSteps && peak->value > peak->negligible; ++step) {
+    const double width = peak->high - peak->low;
+    const Vertex vertex = FindVertex(*peak);
+    if (vertex.gain <= PromisedShare * peak->value) {
+      return;
+    }
+    double at = vertex.at;
+    // Two steps must take off more than a third, or the parabola doesn't fit.
+    const bool isSlow = step % 2 == 1 && width > 0.7 * widthBefore;
+    if (isSlow || !(at > peak->low && at < peak->high) || at == peak->at) {
+      const bool isLeftWider = peak->at - peak->low > peak->high - peak->at;
+      at = isLeftWider ? peak->at - golden * (peak->at - peak->low)
+                       : peak->at + golden * (peak->high - peak->at);
+    }
+    widthBefore = step % 2 == 1 ? width : widthBefore;
+    const SegmentDeviation deviation = connection->At(at);
+    largest->tip = std::max(largest->tip, deviation.tip);
+    largest->direction = std::max(largest->direction, deviation.direction);
+    Narrow(peak, at, deviation.*(peak->what));
+  }
 }
 
 bool IsWithin(const SegmentOptions& options, const SegmentDeviation& deviation) {
@@ -203,25 +265,40 @@ SegmentDeviation ComputeDeviation(PointSolver& solver, const AxisValues& from,
   if (!connection.IsGood()) {
     return largest;
   }
-  const double samples = std::clamp(std::ceil(turn / SampleStepDeg), LeastSamples, MostSamples);
-  double atTip = 0.5;
-  double atDirection = 0.5;
-  for (double i = 1.0; i < samples; i += 1.0) {
-    const SegmentDeviation deviation = connection.At(i / samples);
-    if (deviation.tip > largest.tip) {
-      largest.tip = deviation.tip;
-      atTip = i / samples;
+  const auto sampleNb =
+      static_cast<int>(std::clamp(std::ceil(turn / SampleStepDeg), LeastSamples, MostSamples));
+  const double step = 1.0 / sampleNb;
+  std::vector<Peak> peaks;
+  SegmentDeviation before;
+  SegmentDeviation middle;
+  for (int i = 1; i <= sampleNb; ++i) {
+    // Both ends deviate by nothing.
+    const SegmentDeviation next = i < sampleNb ? connection.At(step * i) : SegmentDeviation();
+    for (double SegmentDeviation::*const what :
+         {&SegmentDeviation::tip, &SegmentDeviation::direction}) {
+      if (i > 1 && middle.*what > before.*what && middle.*what >= next.*what) {
+        Peak peak;
+        peak.what = what;
+        peak.negligible = what == &SegmentDeviation::tip ? TipRounding * connection.GetTipSize()
+                                                         : DirectionRounding;
+        peak.low = step * (i - 2);
+        peak.at = step * (i - 1);
+        peak.high = step * i;
+        peak.valueLow = before.*what;
+        peak.value = middle.*what;
+        peak.valueHigh = next.*what;
+        peaks.push_back(peak);
+      }
+      largest.*what = std::max(largest.*what, next.*what);
     }
-    if (deviation.direction > largest.direction) {
-      largest.direction = deviation.direction;
-      atDirection = i / samples;
+    before = middle;
+    middle = next;
+  }
+  for (Peak& peak : peaks) {
+    if (peak.value + peak.MostGain() > largest.*peak.what) {
+      Climb(&connection, &peak, &largest);
     }
   }
-  const double step = 1.0 / samples;
-  largest.tip =
-      SearchLargest(&connection, &SegmentDeviation::tip, atTip - step, atTip + step, largest.tip);
-  largest.direction = SearchLargest(&connection, &SegmentDeviation::direction, atDirection - step,
-                                    atDirection + step, largest.direction);
   return largest;
 }
 

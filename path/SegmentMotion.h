@@ -16,7 +16,8 @@ struct SegmentDeviation {
 };
 
 /// Computes the largest deviations of a move: sampled every 5 degrees of the rotary axes at least,
-/// then searched around the largest sample.
+/// then searched around the largest samples, to within a thousandth of them; a hundredth for
+/// directions beyond 90 degrees, where the nearer end of the connection changes at once.
 SegmentDeviation ComputeDeviation(PointSolver& solver, const AxisValues& from,
                                   const AxisValues& to);
 

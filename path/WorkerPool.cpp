@@ -1,7 +1,7 @@
 #include "path/WorkerPool.h"
 
 #include <algorithm>
-#include <system_error>
+#include <exception>
 
 namespace Orvo::Path {
 
@@ -10,8 +10,8 @@ WorkerPool::WorkerPool(std::size_t workerNb) {
     for (std::size_t worker = 1; worker < workerNb; ++worker) {
       threads_.emplace_back([this, worker] { Serve(worker); });
     }
-  } catch (const std::system_error&) {
-    // A system that gives no more threads leaves the work to those it gave.
+  } catch (const std::exception&) {
+    // A system that gives no more threads, or no memory for them, leaves the work to those it gave.
   }
 }
 

@@ -27,7 +27,17 @@ struct Command {
 std::vector<Command> Commands() {
   const std::string machine = "'" + ExampleMachine("trunnion_ac") + "'";
   return {{"orvo info", "info " + machine, false},
-          {"orvo solve", "solve " + machine + " path.csv --offset 0,0,30 -o axes.csv", true}};
+          {"orvo solve", "solve " + machine + " path.csv --offset 0,0,30 -o axes.csv", true},
+          {"orvo solve --policy optimal",
+           "solve " + machine + " few.csv --offset 0,0,30 --policy optimal --threads 2 -o axes.csv",
+           true},
+          {"orvo check", "check " + machine + " rows.csv --path few.csv --offset 0,0,30", false},
+          {"orvo vectors", "vectors write " + machine + " --count 2 -o axes.csv", true},
+          {"orvo validate", "validate " + machine, false},
+          {"orvo fk", "fk " + machine + " rows.csv --all --format csv -o axes.csv", true},
+          {"orvo ik", "ik " + machine + " 10,2,30 0,0.5,0.8", false},
+          {"orvo explain", "explain " + machine + " 1,2,30 0,0,1 --format json", false},
+          {"orvo new", "new trunnion-ac -o axes.csv", true}};
 }
 
 // Enough points for several writes.
@@ -38,6 +48,26 @@ std::string PathOfManyPoints() {
   }
   return text;
 }
+
+// A short path, and axis values that follow it with a tool of 30.
+std::string FewPoints() {
+  std::string text = "x,y,z,i,j,k\n";
+  for (int i = 0; i < 20; ++i) {
+    text += std::to_string(i) + ",2,3,0,0,1\n";
+  }
+  return text;
+}
+
+std::string RowsOfFewPoints() {
+  std::string text = "X,Y,Z,A,C\n";
+  for (int i = 0; i < 20; ++i) {
+    text += std::to_string(i) + ",2,43,0,0\n";
+  }
+  return text;
+}
+
+/// How many files the commands read.
+constexpr std::size_t InputNb = 3;
 
 /// A call that fails in a run, and how.
 struct CallFault {
@@ -53,7 +83,11 @@ struct CallFault {
 
 class ToolFaults : public testing::Test {
  protected:
-  void SetUp() override { tool_.Write("path.csv", PathOfManyPoints()); }
+  void SetUp() override {
+    tool_.Write("path.csv", PathOfManyPoints());
+    tool_.Write("few.csv", FewPoints());
+    tool_.Write("rows.csv", RowsOfFewPoints());
+  }
 
   ToolResult RunWith(const Command& command, const CallFault& fault, std::size_t place) {
     std::filesystem::remove(tool_.Folder().File("axes.csv"));
@@ -76,7 +110,7 @@ class ToolFaults : public testing::Test {
     EXPECT_EQ(result.signal, 0);
     EXPECT_TRUE(result.status == 0 || result.status == 2) << result.status;
     const bool hasFile = tool_.Folder().Has("axes.csv");
-    EXPECT_EQ(tool_.CountFiles(), hasFile ? 2U : 1U) << "no other file is left";
+    EXPECT_EQ(tool_.CountFiles(), InputNb + (hasFile ? 1U : 0U)) << "no other file is left";
     if (hasFile) {
       EXPECT_EQ(tool_.Folder().Read("axes.csv"), axes);
     }
@@ -164,7 +198,7 @@ TEST_F(ToolFaults, ClosedStreamsDontReachTheResult) {
                            std::string(closed).find(">&-") != 0;
     EXPECT_EQ(result.status, hasOutput ? 0 : 2);
     EXPECT_EQ(tool_.Folder().Read("axes.csv"), axes);
-    EXPECT_EQ(tool_.CountFiles(), 2U);
+    EXPECT_EQ(tool_.CountFiles(), InputNb + 1U);
     CountFault(command.name, "system: closed streams",
                result.status == 0 ? FaultEnding::Completed : FaultEnding::Failed);
     const ToolResult info = tool_.Shell("exec \"$ORVO\" " + Commands()[0].line + ' ' + closed);

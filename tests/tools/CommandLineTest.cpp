@@ -22,7 +22,7 @@ TEST(CommandLine, HelpAndVersionAreAnswers) {
       {{"--help"}, "Usage: orvo COMMAND ...\n"},
       {{"-h"}, "Usage: orvo COMMAND ...\n"},
       {{"info", "--help"}, "Usage: orvo info MACHINE [OPTIONS]\n"},
-      {{"solve", "--help"}, "Usage: orvo solve MACHINE.xml PATH.csv [OPTIONS] -o AXES.csv\n"},
+      {{"solve", "--help"}, "Usage: orvo solve MACHINE PATH [OPTIONS]\n"},
       {{"--version"}, "orvo "},
   };
   for (const Case& c : cases) {
@@ -75,9 +75,8 @@ TEST(CommandLine, WrongUseIsStatusOne) {
       {{""}, "orvo: a command is needed\n"},
       {{"info"}, "orvo info: MACHINE is required\nTry: orvo info --help\n"},
       {{"info", machine, "more"}, "orvo info: "},
-      {{"solve"}, "orvo solve: MACHINE.xml is required"},
-      {{"solve", machine}, "orvo solve: PATH.csv is required"},
-      {{"solve", machine, path}, "orvo solve: --output is required"},
+      {{"solve"}, "orvo solve: MACHINE is required"},
+      {{"solve", machine}, "orvo solve: PATH is required"},
       {{"solve", machine, path, "-o"}, "orvo solve: "},
       {{"solve", machine, path, "-o", axes, "--frob"}, "--frob"},
       {{"solve", machine, path, "-o", axes, "--offset", "1,2"},

@@ -27,23 +27,6 @@ namespace {
                 shown + ": is no machine file" + (what.empty() ? "" : ": ") + what);
 }
 
-/// Throws the Failure for a file that is not there or may not be read.
-void CheckFile(const std::string& name) {
-  const std::string shown = Printable(name);
-  const std::filesystem::path file = FileFromUtf8(name);
-  std::error_code error;
-  if (std::filesystem::is_directory(file, error)) {
-    throw Failure(ExitCode::Unreadable, shown + ": is a folder, not a file");
-  }
-  errno = 0;
-  std::ifstream stream(file, std::ios::binary);
-  if (!stream) {
-    throw Failure(ExitCode::Unreadable,
-                  shown + ": can't be opened" +
-                      (errno != 0 ? ": " + std::generic_category().message(errno) : ""));
-  }
-}
-
 /// Reads a file by its name; messages call it as @p shown says.
 void ReadNamedMachine(const std::string& name, const std::string& shown,
                       Orvo::Kin::Machine* machine) {
@@ -64,6 +47,22 @@ void ReadNamedMachine(const std::string& name, const std::string& shown,
 
 }  // namespace
 
+void CheckMachineFile(const std::string& name) {
+  const std::string shown = Printable(name);
+  const std::filesystem::path file = FileFromUtf8(name);
+  std::error_code error;
+  if (std::filesystem::is_directory(file, error)) {
+    throw Failure(ExitCode::Unreadable, shown + ": is a folder, not a file");
+  }
+  errno = 0;
+  std::ifstream stream(file, std::ios::binary);
+  if (!stream) {
+    throw Failure(ExitCode::Unreadable,
+                  shown + ": can't be opened" +
+                      (errno != 0 ? ": " + std::generic_category().message(errno) : ""));
+  }
+}
+
 void ReadMachine(const std::string& name, Orvo::Kin::Machine* machine) {
   const std::string shown = ShownInput(name);
   if (IsStandardStream(name)) {
@@ -71,8 +70,18 @@ void ReadMachine(const std::string& name, Orvo::Kin::Machine* machine) {
     ReadNamedMachine(spooled.GetName(), shown, machine);
     return;
   }
-  CheckFile(name);
+  CheckMachineFile(name);
   ReadNamedMachine(name, shown, machine);
+}
+
+void ReadMachineBytes(const std::string& name, const std::string& bytes,
+                      Orvo::Kin::Machine* machine) {
+  if (IsStandardStream(name)) {
+    const SpooledInput spooled(".xml", bytes);
+    ReadNamedMachine(spooled.GetName(), ShownInput(name), machine);
+  } else {
+    ReadNamedMachine(name, ShownInput(name), machine);
+  }
 }
 
 void ReadValidMachine(const std::string& name, Orvo::Kin::Machine* machine) {

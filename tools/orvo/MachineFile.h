@@ -17,7 +17,16 @@ constexpr std::uintmax_t MaxMachineFileBytes = 256ULL << 20U;
 /// @throws Failure naming the file and, where the fault can be found, its line and column
 void ReadMachine(const std::string& name, Orvo::Kin::Machine* machine);
 
-/// Does the same, and refuses a machine that can't be computed with.
+/// Throws the Failure for a file that is not there, may not be read or is a folder.
+void CheckMachineFile(const std::string& name);
+
+/// Reads a machine from the bytes of a file, which were read before.
+/// @param name  what the file is called, see ReadMachine()
+/// @throws Failure as ReadMachine() does
+void ReadMachineBytes(const std::string& name, const std::string& bytes,
+                      Orvo::Kin::Machine* machine);
+
+/// Reads a machine as ReadMachine() does, and refuses a machine that can't be computed with.
 /// @throws Failure, with ExitCode::MachineInvalid where the machine is not valid
 void ReadValidMachine(const std::string& name, Orvo::Kin::Machine* machine);
 

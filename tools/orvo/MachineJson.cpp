@@ -57,13 +57,6 @@ const char* GetVerdictName(Orvo::Kin::MachineErrorType error) {
   return "invalid";
 }
 
-JsonValue FrameJson(Orvo::Matrix43 parentFromElement) {
-  return JsonValue{{"u", VectorJson(parentFromElement.GetU())},
-                   {"v", VectorJson(parentFromElement.GetV())},
-                   {"w", VectorJson(parentFromElement.GetW())},
-                   {"origin", VectorJson(parentFromElement.GetTrans())}};
-}
-
 JsonValue NameJson(const Entity* entity) {
   return entity != nullptr ? JsonValue(Utf8FromWide(entity->GetEntityName())) : JsonValue();
 }
@@ -170,6 +163,13 @@ JsonValue CollisionJson(const Machine& machine) {
 
 JsonValue VectorJson(const Orvo::Vector3D& vector) {
   return JsonValue::array({vector[0], vector[1], vector[2]});
+}
+
+JsonValue FrameJson(Orvo::Matrix43 frame) {
+  return JsonValue{{"u", VectorJson(frame.GetU())},
+                   {"v", VectorJson(frame.GetV())},
+                   {"w", VectorJson(frame.GetW())},
+                   {"origin", VectorJson(frame.GetTrans())}};
 }
 
 JsonValue MakeMachineJson(Machine& machine) {

@@ -1,13 +1,18 @@
+#include "CheckCommand.h"
 #include "Command.h"
 #include "CompletionCommand.h"
-#ifdef ORVO_TOOL_HAS_EXCHANGE
 #include "ConvertCommand.h"
-#endif
+#include "ExplainCommand.h"
 #include "Failure.h"
+#include "FkCommand.h"
 #include "HelpText.h"
+#include "IkCommand.h"
 #include "InfoCommand.h"
+#include "NewCommand.h"
 #include "SolveCommand.h"
 #include "StandardOutput.h"
+#include "ValidateCommand.h"
+#include "VectorsCommand.h"
 #include "WideText.h"
 
 #include <CLI/CLI.hpp>
@@ -30,10 +35,15 @@ using OrvoTool::ExitCode;
 const std::vector<CommandEntry>& Commands() {
   static const std::vector<CommandEntry> commands = {
       {"info", "show what a machine file holds", OrvoTool::AddInfoCommand},
+      {"validate", "tell all that is wrong with a machine file", OrvoTool::AddValidateCommand},
+      {"fk", "tell where the machine stands for given axis values", OrvoTool::AddFkCommand},
+      {"ik", "give all axis values for one point and one direction", OrvoTool::AddIkCommand},
+      {"explain", "say why a point has no answer, and by how much", OrvoTool::AddExplainCommand},
       {"solve", "turn a tool path into axis values", OrvoTool::AddSolveCommand},
-#ifdef ORVO_TOOL_HAS_EXCHANGE
+      {"check", "hold axis values against ranges, speeds and the path", OrvoTool::AddCheckCommand},
       {"convert", "write a machine in another format", OrvoTool::AddConvertCommand},
-#endif
+      {"vectors", "write and verify golden vectors of a machine", OrvoTool::AddVectorsCommand},
+      {"new", "write the machine file of a common kind of machine", OrvoTool::AddNewCommand},
       {"completion", "", OrvoTool::AddCompletionCommand},
   };
   return commands;

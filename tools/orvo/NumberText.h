@@ -22,11 +22,12 @@ const char* DescribeFault(NumberFault fault);
 /// Reads three numbers separated by commas, such as "0,0,30".
 std::optional<std::array<double, 3>> ReadTriple(std::string_view text);
 
-/// Appends a number with six decimals and a point whatever the locale, never "-0.000000".
+/// Appends a number with six decimals, or as many as are given, and a point whatever the locale;
+/// never "-0.000000".
 ///
 /// Six decimals are what machine files hold; they are finer than any machine moves, the columns
 /// stay readable, and no reader meets an exponent.
-void AppendFixed(double value, std::string* out);
+void AppendFixed(double value, std::string* out, int decimals = 6);
 
 /// Returns a number for people: at most @p digits significant digits, no needless zeros.
 std::string ShortNumber(double value, int digits = 6);

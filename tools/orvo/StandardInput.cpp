@@ -51,18 +51,11 @@ std::FILE* MakeNewFile(const std::filesystem::path& file) {
 
 /// Hands out the standard input part by part.
 void ReadParts(std::uintmax_t maxBytes, const std::function<void(std::string_view)>& take) {
-#ifdef _WIN32
-  _setmode(_fileno(stdin), _O_BINARY);
-#endif
   std::array<char, ChunkBytes> chunk;
   std::uintmax_t byteNb = 0;
   for (;;) {
-    errno = 0;
-    const std::size_t count = std::fread(chunk.data(), 1, chunk.size(), stdin);
+    const std::size_t count = ReadStandardInputPart(chunk.data(), chunk.size());
     if (count == 0) {
-      if (std::ferror(stdin) != 0) {
-        Blame("can't be read", errno);
-      }
       return;
     }
     byteNb += count;
@@ -85,6 +78,18 @@ void RefuseSecondStandardInput(const std::string& first, const std::string& seco
   }
 }
 
+std::size_t ReadStandardInputPart(char* bytes, std::size_t capacity) {
+#ifdef _WIN32
+  _setmode(_fileno(stdin), _O_BINARY);
+#endif
+  errno = 0;
+  const std::size_t count = std::fread(bytes, 1, capacity, stdin);
+  if (count < capacity && std::ferror(stdin) != 0) {
+    Blame("can't be read", errno);
+  }
+  return count;
+}
+
 std::string ReadStandardInput(std::uintmax_t maxBytes) {
   std::string bytes;
   ReadParts(maxBytes, [&bytes](std::string_view part) { bytes.append(part); });
@@ -92,6 +97,14 @@ std::string ReadStandardInput(std::uintmax_t maxBytes) {
 }
 
 SpooledInput::SpooledInput(const std::string& suffix, std::uintmax_t maxBytes) {
+  Fill(suffix, [maxBytes](const Taker& take) { ReadParts(maxBytes, take); });
+}
+
+SpooledInput::SpooledInput(const std::string& suffix, const std::string& bytes) {
+  Fill(suffix, [&bytes](const Taker& take) { take(bytes); });
+}
+
+void SpooledInput::Fill(const std::string& suffix, const std::function<void(const Taker&)>& give) {
   std::error_code error;
   const std::filesystem::path folder = std::filesystem::temp_directory_path(error);
   if (error) {
@@ -117,7 +130,7 @@ SpooledInput::SpooledInput(const std::string& suffix, std::uintmax_t maxBytes) {
     KeepWhenInterrupted(interruptionSlot_);
   };
   try {
-    ReadParts(maxBytes, [stream, &isGood, &reason](std::string_view part) {
+    give([stream, &isGood, &reason](std::string_view part) {
       errno = 0;
       if (isGood && std::fwrite(part.data(), 1, part.size(), stream) != part.size()) {
         isGood = false;

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <string>
+#include <string_view>
 
 namespace OrvoTool {
 
@@ -15,6 +18,11 @@ std::string ShownInput(const std::string& name);
 /// Refuses a command line that reads two files from the standard input.
 /// @throws UsageFailure
 void RefuseSecondStandardInput(const std::string& first, const std::string& second);
+
+/// Reads the next bytes of the standard input.
+/// @return how many were read; 0 at its end
+/// @throws Failure when it can't be read
+std::size_t ReadStandardInputPart(char* bytes, std::size_t capacity);
 
 /// Reads the standard input to its end.
 /// @throws Failure when it can't be read, or holds more than @p maxBytes
@@ -29,6 +37,9 @@ class SpooledInput {
   /// @param maxBytes  more is refused
   /// @throws Failure when it can't be read or copied
   SpooledInput(const std::string& suffix, std::uintmax_t maxBytes);
+
+  /// Does the same to what was read from it before.
+  SpooledInput(const std::string& suffix, const std::string& bytes);
   SpooledInput(const SpooledInput&) = delete;
   SpooledInput& operator=(const SpooledInput&) = delete;
   ~SpooledInput();
@@ -39,6 +50,11 @@ class SpooledInput {
   std::string GetName() const;
 
  private:
+  using Taker = std::function<void(std::string_view)>;
+
+  /// Makes the file of the parts that @p give hands to the taker that it gets.
+  void Fill(const std::string& suffix, const std::function<void(const Taker&)>& give);
+
   std::filesystem::path file_;
   int interruptionSlot_ = -1;
 };

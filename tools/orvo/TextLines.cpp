@@ -1,6 +1,7 @@
 #include "TextLines.h"
 
 #include "Failure.h"
+#include "StandardInput.h"
 #include "WideText.h"
 
 #include <cerrno>
@@ -19,7 +20,11 @@ std::string LastSystemError() {
 
 }  // namespace
 
-TextLines::TextLines(const std::string& name) : name_(Printable(name)), chunk_(ChunkBytes) {
+TextLines::TextLines(const std::string& name)
+    : name_(ShownInput(name)), isStandardInput_(IsStandardStream(name)), chunk_(ChunkBytes) {
+  if (isStandardInput_) {
+    return;
+  }
   const std::filesystem::path file = FileFromUtf8(name);
   std::error_code error;
   if (std::filesystem::is_directory(file, error)) {
@@ -38,6 +43,11 @@ TextLines::TextLines(const std::string& name) : name_(Printable(name)), chunk_(C
 }
 
 bool TextLines::Fill() {
+  if (isStandardInput_) {
+    chunkBegin_ = 0;
+    chunkEnd_ = ReadStandardInputPart(chunk_.data(), chunk_.size());
+    return chunkEnd_ > 0;
+  }
   errno = 0;
   stream_.read(chunk_.data(), static_cast<std::streamsize>(chunk_.size()));
   chunkBegin_ = 0;

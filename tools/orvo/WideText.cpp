@@ -73,6 +73,14 @@ std::string PrintableFromWide(std::wstring_view text) { return Printable(Utf8Fro
 
 std::size_t CountCharacters(std::string_view text) {
   std::size_t count = 0;
+  for (const char c : text) {
+    count += (static_cast<unsigned char>(c) & 0xC0U) != 0x80 ? 1 : 0;
+  }
+  return count;
+}
+
+std::size_t CountColumns(std::string_view text) {
+  std::size_t count = 0;
   bool isColor = false;
   for (const char c : text) {
     isColor = isColor || c == '\x1b';
