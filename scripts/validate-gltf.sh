@@ -53,9 +53,9 @@ for file in "$root"/examples/machines/*/*.xml; do
 import json, sys
 axes = [e["name"] for e in json.load(sys.stdin)["entities"]
         if e["link"]["type"] in ("LINEAR", "ROTARY") and e["register"] >= 0]
-print(",".join(axes + ["time"]))
+print(",".join(axes + ["inverse_time"]))
 for i, value in enumerate([0, 25.5, 25.5, -260, 400]):
-    print(",".join([str(value)] * len(axes) + [str(0.5 * i)]))
+    print(",".join([str(value)] * len(axes) + ["120"]))
 ' >"$folder/$name.csv"
   "$orvo" convert "$file" "$folder/${name}_moving.glb" --animate "$folder/$name.csv"
   "$orvo" convert "$file" "$folder/${name}_moving.gltf" --animate "$folder/$name.csv"

@@ -1,6 +1,6 @@
 #include "ConvertCommand.h"
 
-#include "AxisValueReader.h"
+#include "AnimationKeys.h"
 #include "ChoiceOption.h"
 #include "Failure.h"
 #include "MachineFile.h"
@@ -248,7 +248,7 @@ void Write(const ConvertOptions& options, Format to, const std::string& meshBase
   Exchange::GltfOptions writeOptions;
   writeOptions.metersPerUnit = options.metersPerUnit;
   if (!options.axes.empty()) {
-    writeOptions.animation = ReadAxisValues(options.axes, *machine, options.seconds);
+    writeOptions.animation = ReadAnimationKeys(options.axes, *machine, options.seconds);
   }
   if (to == Format::Glb || IsStandardStream(options.output)) {
     WriteTo(options.output, [&](std::ostream& out) {
@@ -348,12 +348,9 @@ CommandAction AddConvertCommand(CLI::App* command) {
   command
       ->add_option("--animate", options->axes,
                    "for glb and gltf: the axis values of a motion, as orvo solve writes them; "
-                   "a column 'time' holds seconds")
-      ->type_name("AXES.csv");
-  command
-      ->add_option("--seconds", options->seconds,
-                   "how long the motion takes where there is no column 'time'; 0.1 seconds a row "
-                   "if not given")
+                   "a move takes what its inverse time says, else 0.1 seconds")
+      ->type_name("AXES");
+  command->add_option("--seconds", options->seconds, "how long the whole motion is to take")
       ->check(isPositive)
       ->type_name("SECONDS");
   command
