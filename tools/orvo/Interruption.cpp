@@ -18,7 +18,7 @@ constexpr int SlotNb = 4;
 char filesToRemove[SlotNb][MaxFileBytes];
 volatile std::sig_atomic_t isFileSet[SlotNb] = {};
 
-extern "C" void RemoveFilesAndDie(int signal) {
+void RemoveFiles() {
   for (int slot = 0; slot < SlotNb; ++slot) {
     if (isFileSet[slot] != 0) {
 #ifdef _WIN32
@@ -28,6 +28,10 @@ extern "C" void RemoveFilesAndDie(int signal) {
 #endif
     }
   }
+}
+
+extern "C" void RemoveFilesAndDie(int signal) {
+  RemoveFiles();
   std::signal(signal, SIG_DFL);
   std::raise(signal);
 }
@@ -65,6 +69,8 @@ void KeepWhenInterrupted(int slot) {
     isFileSet[slot] = 0;
   }
 }
+
+void RemoveUnfinishedFiles() { RemoveFiles(); }
 
 void ReportFileSizeLimit() {
 #ifdef SIGXFSZ

@@ -13,6 +13,9 @@ int RemoveWhenInterrupted(const std::filesystem::path& file);
 /// @param slot  what RemoveWhenInterrupted() returned
 void KeepWhenInterrupted(int slot);
 
+/// Removes the files that would go by a signal.
+void RemoveUnfinishedFiles();
+
 /// Makes a file that grows beyond the system's limit an error of its writer instead of the end of
 /// the program.
 void ReportFileSizeLimit();

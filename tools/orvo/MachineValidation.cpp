@@ -64,7 +64,10 @@ std::string ReadBytes(const std::string& name) {
                                               std::to_string(MaxMachineFileBytes >> 20U) + " MiB");
     }
   }
-  if (stream.bad()) {
+  std::error_code error;
+  const bool isWhole = !std::filesystem::is_regular_file(file, error) ||
+                       std::filesystem::file_size(file, error) == bytes.size();
+  if (stream.bad() || !isWhole) {
     throw Failure(ExitCode::Unreadable,
                   shown + ": can't be read" +
                       (errno != 0 ? ": " + std::generic_category().message(errno) : ""));
@@ -98,10 +101,17 @@ std::string FindMeshFault(const std::filesystem::path& file, FindingCode* code) 
   if (!std::filesystem::is_regular_file(status)) {
     return "is no file";
   }
+  const std::uintmax_t size = std::filesystem::file_size(file, error);
+  if (!error && size < StlHeaderBytes) {
+    return "is shorter than the 84 bytes in front of the triangles";
+  }
+  errno = 0;
   std::ifstream stream(file, std::ios::binary);
   std::array<char, StlHeaderBytes> header = {};
   if (!stream.read(header.data(), header.size())) {
-    return "can't be read, or is shorter than the 84 bytes in front of the triangles";
+    throw Failure(ExitCode::Unreadable,
+                  Printable(Utf8FromFile(file)) + ": can't be read" +
+                      (errno != 0 ? ": " + std::generic_category().message(errno) : ""));
   }
   std::uint32_t triangleNb = 0;
   for (std::size_t i = 0; i < 4; ++i) {
@@ -112,7 +122,6 @@ std::string FindMeshFault(const std::filesystem::path& file, FindingCode* code) 
     return "holds no triangle";
   }
   const std::uintmax_t needed = StlHeaderBytes + StlTriangleBytes * triangleNb;
-  const std::uintmax_t size = std::filesystem::file_size(file, error);
   if (!error && size < needed) {
     return "has " + std::to_string(size) + " bytes; its " + std::to_string(triangleNb) +
            " triangles need " + std::to_string(needed);
@@ -161,7 +170,9 @@ void PrepareProgramSystems(const Orvo::Kin::Machine& machine, MachineFindings* f
 }
 
 /// Has the library read the file, and tells what it refuses although nothing was found.
-void CheckByLibrary(const std::string& name, const std::string& bytes, MachineFindings* findings) {
+void CheckByLibrary(const std::string& name, const std::string& bytes,
+                    MachineValidation* validation) {
+  MachineFindings* findings = &validation->findings;
   Orvo::Kin::Machine machine;
   const bool hadErrors = findings->GetErrorNb() > 0;
   try {
@@ -169,6 +180,7 @@ void CheckByLibrary(const std::string& name, const std::string& bytes, MachineFi
   } catch (const Failure& failure) {
     if (!hadErrors) {
       findings->Add(FindingCode::NotReadByLibrary, Whole, failure.what());
+      validation->refusal = failure.what();
     }
     return;
   }
@@ -201,13 +213,13 @@ MachineValidation ValidateMachineFile(const std::string& name) {
   if (!machine) {
     return validation;
   }
-  validation.isMachineFile = true;
   CheckElements(*machine, findings);
   CheckProgramSystems(*machine, findings);
   if (!IsStandardStream(name)) {
     CheckMeshFiles(name, *machine, findings);
   }
-  CheckByLibrary(name, bytes, findings);
+  validation.isMachineFile = true;
+  CheckByLibrary(name, bytes, &validation);
   findings->Sort();
   return validation;
 }

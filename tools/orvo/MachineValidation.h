@@ -12,6 +12,9 @@ struct MachineValidation {
 
   /// Whether the file is one of a machine at all: well-formed, with the right top element.
   bool isMachineFile = false;
+
+  /// What the library said where it refused a file in which nothing else was found; else empty.
+  std::string refusal;
 };
 
 /// Looks for all that is wrong with a machine file: first in its text, without the library, then by

@@ -8,6 +8,7 @@
 #include "HelpText.h"
 #include "IkCommand.h"
 #include "InfoCommand.h"
+#include "Interruption.h"
 #include "NewCommand.h"
 #include "SolveCommand.h"
 #include "StandardOutput.h"
@@ -19,10 +20,12 @@
 
 #include <cstddef>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <new>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -80,6 +83,16 @@ ExitCode Answer(const CLI::App& app, const CLI::ParseError& error) {
   return ExitCode::Usage;
 }
 
+/// Returns the command that the command line begins with, or null where all are wanted.
+const CommandEntry* FindNamed(int argc, char** argv) {
+  for (const CommandEntry& entry : Commands()) {
+    if (argc > 1 && std::string_view(argv[1]) == entry.name && entry.summary[0] != '\0') {
+      return &entry;
+    }
+  }
+  return nullptr;
+}
+
 ExitCode Run(int argc, char** argv) {
   CLI::App app;
   app.set_version_flag("--version", std::string("orvo ") + ORVO_TOOL_VERSION);
@@ -90,10 +103,12 @@ ExitCode Run(int argc, char** argv) {
   });
   std::vector<const CLI::App*> commands;
   std::vector<CommandAction> actions;
+  const CommandEntry* named = FindNamed(argc, argv);
   for (const CommandEntry& entry : Commands()) {
     CLI::App* command = app.add_subcommand(entry.name);
     commands.push_back(command);
-    actions.push_back(entry.add(command));
+    // The options of the others are not needed, and are many.
+    actions.push_back(named == nullptr || named == &entry ? entry.add(command) : CommandAction());
   }
   try {
     app.parse(argc, argv);
@@ -113,20 +128,39 @@ ExitCode Run(int argc, char** argv) {
   }
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+/// Says what went wrong, and returns the status. For use where an exception is held.
+ExitCode ComplainAboutException() {
   try {
-    return static_cast<int>(Run(argc, argv));
+    throw;
   } catch (const OrvoTool::Failure& failure) {
     Complain(failure.what());
-    return static_cast<int>(failure.GetCode());
+    return failure.GetCode();
   } catch (const std::bad_alloc&) {
     Complain("orvo: there is not enough memory");
-    return static_cast<int>(ExitCode::Unreadable);
   } catch (const std::exception& error) {
     std::fputs("orvo: ", stderr);
     Complain(error.what());
-    return static_cast<int>(ExitCode::Unreadable);
+  }
+  return ExitCode::Unreadable;
+}
+
+/// Destructors of JSON values ask for memory: where there is none, no catch block is reached.
+[[noreturn]] void EndWithoutUnwinding() {
+  OrvoTool::RemoveUnfinishedFiles();
+  ExitCode code = ExitCode::Unreadable;
+  if (std::current_exception()) {
+    code = ComplainAboutException();
+  }
+  std::_Exit(static_cast<int>(code));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::set_terminate(EndWithoutUnwinding);
+  try {
+    return static_cast<int>(Run(argc, argv));
+  } catch (...) {
+    return static_cast<int>(ComplainAboutException());
   }
 }

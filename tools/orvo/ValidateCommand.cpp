@@ -1,5 +1,6 @@
 #include "ValidateCommand.h"
 
+#include "Failure.h"
 #include "JsonText.h"
 #include "MachineValidation.h"
 #include "OutputFormat.h"
@@ -128,6 +129,9 @@ ExitCode RunValidate(const ValidateOptions& options) {
     WriteStandardOutput(lines);
   } else {
     WriteStandardOutput(MakeText(file, findings, TextStyle(options.output.color)));
+  }
+  if (!validation.refusal.empty()) {
+    throw Failure(ExitCode::Unreadable, validation.refusal);
   }
   if (!validation.isMachineFile) {
     return ExitCode::Unreadable;
