@@ -80,10 +80,34 @@ foreach(component runtime development tools)
     DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${package}
     COMPONENT ${component})
 endforeach()
-execute_process(COMMAND ${gzip} -9nc ${PROJECT_SOURCE_DIR}/packaging/orvo.1
-                OUTPUT_FILE ${packaging}/orvo.1.gz COMMAND_ERROR_IS_FATAL ANY)
+
+# The manual pages come from the program's help, one for each command, where help2man is there and
+# the program runs here; else there is the short one.
+find_program(help2man help2man)
+mark_as_advanced(help2man)
+set(ORVO_MAN_PAGES_DEFAULT OFF)
+if(help2man AND NOT CMAKE_CROSSCOMPILING)
+  set(ORVO_MAN_PAGES_DEFAULT ON)
+endif()
+option(ORVO_BUILD_MAN_PAGES "Make the manual pages out of the program's help (needs help2man)"
+       ${ORVO_MAN_PAGES_DEFAULT})
+if(ORVO_BUILD_MAN_PAGES)
+  add_custom_command(
+    OUTPUT ${packaging}/man/orvo.1.gz
+    COMMAND ${CMAKE_COMMAND} -E rm -rf ${packaging}/man
+    COMMAND ${PROJECT_SOURCE_DIR}/scripts/man-pages.sh $<TARGET_FILE:orvo_tool> ${packaging}/man
+    COMMAND ${gzip} -9nr ${packaging}/man
+    DEPENDS orvo_tool ${PROJECT_SOURCE_DIR}/scripts/man-pages.sh
+    COMMENT "Making the manual pages"
+    VERBATIM)
+  add_custom_target(orvo_man ALL DEPENDS ${packaging}/man/orvo.1.gz)
+else()
+  file(MAKE_DIRECTORY ${packaging}/man)
+  execute_process(COMMAND ${gzip} -9nc ${PROJECT_SOURCE_DIR}/packaging/orvo.1
+                  OUTPUT_FILE ${packaging}/man/orvo.1.gz COMMAND_ERROR_IS_FATAL ANY)
+endif()
 install(
-  FILES ${packaging}/orvo.1.gz
+  DIRECTORY ${packaging}/man/
   DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
   COMPONENT tools)
 

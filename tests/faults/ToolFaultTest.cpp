@@ -32,7 +32,12 @@ std::vector<Command> Commands() {
            "solve " + machine + " few.csv --offset 0,0,30 --policy optimal --threads 2 -o axes.csv",
            true},
           {"orvo check", "check " + machine + " rows.csv --path few.csv --offset 0,0,30", false},
-          {"orvo vectors", "vectors write " + machine + " --count 2 -o axes.csv", true}};
+          {"orvo vectors", "vectors write " + machine + " --count 2 -o axes.csv", true},
+          {"orvo validate", "validate " + machine, false},
+          {"orvo fk", "fk " + machine + " rows.csv --all --format csv -o axes.csv", true},
+          {"orvo ik", "ik " + machine + " 10,2,30 0,0.5,0.8", false},
+          {"orvo explain", "explain " + machine + " 1,2,30 0,0,1 --format json", false},
+          {"orvo new", "new trunnion-ac -o axes.csv", true}};
 }
 
 // Enough points for several writes.

@@ -43,8 +43,8 @@ const char Footer[] =
     R"(Lengths are in the machine's unit, angles in degrees, feeds are a minute, speeds
 a second.
 
-The axis values: CSV with the names of the axes in the first line, or JSON Lines,
-an object a line with the axes in "axes" or beside the others. Columns
+The axis values: CSV with the names of the axes in the first line, or JSON
+Lines, an object a line with the axes in "axes" or beside the others. Columns
 inverse_time, feed and rapid are taken where they are there. Rows whose flags
 say 'inserted' belong to no point of the path.
 

@@ -18,8 +18,8 @@ const char Footer[] = R"(Exit status:
   1  the command line is wrong
   2  the script can't be written
 
-Example:
-  source <(orvo completion bash)
+Example, for the next shells of this user:
+  orvo completion bash >~/.local/share/bash-completion/completions/orvo
 )";
 
 const char Begin[] = R"(# Completes command lines of orvo in bash. Made by: orvo completion bash

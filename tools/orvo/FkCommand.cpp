@@ -140,7 +140,9 @@ class FkRun {
     } else {
       Orvo::Kin::MachinePosition position;
       machine_.Alloc(&position);
-      PutAssignments(ReadAxisAssignments("AXES", Joined(), *names_), &position);
+      if (!options_.axes.empty()) {
+        PutAssignments(ReadAxisAssignments("AXES", Joined(), *names_), &position);
+      }
       Write(Compute(position, 0), position);
     }
     End();
