@@ -23,9 +23,10 @@ struct UrdfOptions {
   /// element's id, "_", the mesh's index, ".stl"; for example "package://cell/meshes/mill".
   std::string meshBase;
 
-  /// What `<limit>` says where a machine has nothing to say. Newton or newton meters, meters or
-  /// radians a second.
+  /// The effort of each `<limit>`, which a machine says nothing of; newton or newton meters.
   double effort = 1000.0;
+
+  /// The velocity of each `<limit>`, which a machine says nothing of; meters or radians a second.
   double velocity = 1.0;
 
   /// The limits of a linear axis whose range isn't checked: this far to both sides, in meters.
@@ -34,9 +35,9 @@ struct UrdfOptions {
 
 /// The names that an element has in URDF.
 struct UrdfName {
-  Kin::EntityId id;
-  std::string link;
-  std::string joint;
+  Kin::EntityId id;   ///< of the element
+  std::string link;   ///< of its link
+  std::string joint;  ///< of the joint that carries the link
 };
 
 /// Returns the names in the order of the machine's elements.
