@@ -81,11 +81,12 @@ std::string Sentence(const Diagnosis& d) {
           d.Get("angle"), Names(d), d.Get("turn"), d.Get("turn-per-length"));
     case DiagnosisCode::BranchChange:
       return fmt::format(
-          "the move goes over to the other rotary solution; {} turns by up to {:.4g} "
-          "degrees",
-          Names(d), d.Get("turn"));
+          "the move goes over to the other rotary solution; {} by up to {:.4g} degrees",
+          d.elements.size() == 1 ? Names(d) + " turns" : Names(d) + " turn", d.Get("turn"));
     case DiagnosisCode::Unwinding:
-      return fmt::format("{} unwinds by {:.6g} degrees", Names(d), d.Get("turn"));
+      return fmt::format("{} by {:.6g} degrees",
+                         d.elements.size() == 1 ? Names(d) + " unwinds" : Names(d) + " unwind",
+                         d.Get("turn"));
     case DiagnosisCode::HeldAxis:
       return fmt::format(
           "{} stands free here and was kept steady; the direction deviates by {:.4g} "
