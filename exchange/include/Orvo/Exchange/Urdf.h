@@ -23,9 +23,10 @@ struct UrdfOptions {
   /// element's id, "_", the mesh's index, ".stl"; for example "package://cell/meshes/mill".
   std::string meshBase;
 
-  /// What `<limit>` says where a machine has nothing to say. Newton or newton meters, meters or
-  /// radians a second.
+  /// What all limits say of the effort, of which a machine knows nothing: newtons or newton meters.
   double effort = 1000.0;
+
+  /// And of the velocity: meters or radians a second.
   double velocity = 1.0;
 
   /// The limits of a linear axis whose range isn't checked: this far to both sides, in meters.
@@ -34,9 +35,9 @@ struct UrdfOptions {
 
 /// The names that an element has in URDF.
 struct UrdfName {
-  Kin::EntityId id;
-  std::string link;
-  std::string joint;
+  Kin::EntityId id;   ///< the element
+  std::string link;   ///< its link
+  std::string joint;  ///< the joint between its parent's link and its own
 };
 
 /// Returns the names in the order of the machine's elements.
