@@ -23,10 +23,10 @@ struct UrdfOptions {
   /// element's id, "_", the mesh's index, ".stl"; for example "package://cell/meshes/mill".
   std::string meshBase;
 
-  /// The effort of each `<limit>`, which a machine says nothing of; newton or newton meters.
+  /// What all limits say of the effort, of which a machine knows nothing: newtons or newton meters.
   double effort = 1000.0;
 
-  /// The velocity of each `<limit>`, which a machine says nothing of; meters or radians a second.
+  /// And of the velocity: meters or radians a second.
   double velocity = 1.0;
 
   /// The limits of a linear axis whose range isn't checked: this far to both sides, in meters.
@@ -35,9 +35,9 @@ struct UrdfOptions {
 
 /// The names that an element has in URDF.
 struct UrdfName {
-  Kin::EntityId id;   ///< of the element
-  std::string link;   ///< of its link
-  std::string joint;  ///< of the joint that carries the link
+  Kin::EntityId id;   ///< the element
+  std::string link;   ///< its link
+  std::string joint;  ///< the joint between its parent's link and its own
 };
 
 /// Returns the names in the order of the machine's elements.
