@@ -18,6 +18,11 @@ constexpr int SearchSteps = 24;
 /// The search for the largest deviation ends where no more than this share of it can be gained.
 constexpr double PromisedShare = 1e-3;
 
+/// Before that, the deviation around it must be known where it is smaller by no more than this
+/// share, and is looked at where it should be smaller by that.
+constexpr double LargestDrop = 0.01;
+constexpr double NearbyDrop = 0.005;
+
 /// Deviations below these are rounding: in radians, and as a share of the tip's coordinates.
 constexpr double DirectionRounding = 1e-12;
 constexpr double TipRounding = 1e-12;
@@ -122,26 +127,26 @@ struct Peak {
   double MostGain() const { return value - std::min(valueLow, valueHigh); }
 };
 
-/// Where the parabola through three places of a peak has its top, and how far above the largest of
-/// them that is.
-struct Vertex {
-  double at = 0.0;
-  double gain = 0.0;
+/// The parabola through three places of a peak.
+struct Parabola {
+  double top = 0.0;   ///< where it is largest
+  double gain = 0.0;  ///< how far above the middle that is
+  double bend = 0.0;  ///< how fast it falls: by this times the square of the way from the top
 };
 
-Vertex FindVertex(const Peak& peak) {
+Parabola FitParabola(const Peak& peak) {
   const double left = peak.at - peak.low;
   const double right = peak.high - peak.at;
   const double riseLeft = (peak.value - peak.valueLow) / left;
   const double riseRight = (peak.value - peak.valueHigh) / right;
-  const double bend = riseLeft + riseRight;
+  const double bend = (riseLeft + riseRight) / (left + right);
   if (!(bend > 0.0)) {
-    return {peak.at, 0.0};
+    return {peak.at, 0.0, 0.0};
   }
-  // value + slope (t - at) - bend / (left + right) (t - at)^2
+  // value + slope (t - at) - bend (t - at)^2
   const double slope = (riseLeft * right - riseRight * left) / (left + right);
-  const double step = slope * (left + right) / (2.0 * bend);
-  return {peak.at + step, 0.5 * slope * step};
+  const double step = slope / (2.0 * bend);
+  return {peak.at + step, 0.5 * slope * step, bend};
 }
 
 /// Narrows a peak by what was found beside its middle.
@@ -158,27 +163,34 @@ void Narrow(Peak* peak, double at, double value) {
   }
 }
 
-/// Successive parabolic interpolation, secured by golden sections as in Brent, "Algorithms for
-/// Minimization without Derivatives" (1973), chapter 5; ends where the parabola promises less than
-/// a thousandth more.
+/// Says where to look next for the top of a peak; negative where it is known well enough.
+///
+/// Successive parabolic interpolation. A parabola through places that lie far apart may have its
+/// top in the middle by chance, so both outer ones must be near the top before it is believed.
+double FindNextPlace(const Peak& peak) {
+  const Parabola parabola = FitParabola(peak);
+  const bool isInside = parabola.top > peak.low && parabola.top < peak.high;
+  if (parabola.gain > PromisedShare * peak.value && isInside && parabola.top != peak.at) {
+    return parabola.top;
+  }
+  const double nearby =
+      parabola.bend > 0.0 ? std::sqrt(NearbyDrop * peak.value / parabola.bend) : 0.0;
+  if (peak.value - peak.valueLow > LargestDrop * peak.value) {
+    return std::max(peak.at - nearby, 0.5 * (peak.low + peak.at));
+  }
+  if (peak.value - peak.valueHigh > LargestDrop * peak.value) {
+    return std::min(peak.at + nearby, 0.5 * (peak.at + peak.high));
+  }
+  return -1.0;
+}
+
+/// Searches the top of a peak; keeps the largest deviations of all that it meets.
 void Climb(Connection* connection, Peak* peak, SegmentDeviation* largest) {
-  constexpr double golden = 0.3819660112501051;
-  double widthBefore = 2.0 * (peak->high - peak->low);
   for (int step = 0; step < SearchSteps && peak->value > peak->negligible; ++step) {
-    const double width = peak->high - peak->low;
-    const Vertex vertex = FindVertex(*peak);
-    if (vertex.gain <= PromisedShare * peak->value) {
+    const double at = FindNextPlace(*peak);
+    if (!(at > peak->low && at < peak->high) || at == peak->at) {
       return;
     }
-    double at = vertex.at;
-    // Two steps must take off more than a third, or the parabola doesn't fit.
-    const bool isSlow = step % 2 == 1 && width > 0.7 * widthBefore;
-    if (isSlow || !(at > peak->low && at < peak->high) || at == peak->at) {
-      const bool isLeftWider = peak->at - peak->low > peak->high - peak->at;
-      at = isLeftWider ? peak->at - golden * (peak->at - peak->low)
-                       : peak->at + golden * (peak->high - peak->at);
-    }
-    widthBefore = step % 2 == 1 ? width : widthBefore;
     const SegmentDeviation deviation = connection->At(at);
     largest->tip = std::max(largest->tip, deviation.tip);
     largest->direction = std::max(largest->direction, deviation.direction);

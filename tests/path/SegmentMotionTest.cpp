@@ -99,7 +99,7 @@ TEST(SegmentMotion, DeviationsAreThoseOfADenseSampling) {
       const SegmentDeviation dense = DenseDeviation(solver, from, to);
       EXPECT_GE(found.tip, dense.tip * (1.0 - 2e-3) - 1e-9);
       EXPECT_LE(found.tip, dense.tip * (1.0 + 1e-3) + 1e-9);
-      const double share = dense.direction > 1.57 ? 1e-2 : 2e-3;
+      const double share = dense.direction > 1.4 ? 1e-2 : 2e-3;
       EXPECT_GE(found.direction, dense.direction * (1.0 - share) - 1e-9);
       EXPECT_LE(found.direction, dense.direction * (1.0 + 1e-3) + 1e-9);
       noticedNb += dense.tip > 1e-6 && dense.direction > 1e-6 ? 1 : 0;
