@@ -22,7 +22,8 @@ struct Golden {
 };
 
 // In a folder with the trunnion (machine.xml), a head that reaches half of all directions
-// (head.xml), a machine with many faults (faulty.xml), and axis values (axes.csv).
+// (head.xml), a machine with many faults (faulty.xml), axis values (axes.csv), two paths (path.csv,
+// part.apt) and rows that follow the first one but for a slip (rows.csv).
 constexpr Golden Runs[] = {
     {"help", "--help"},
     {"help_info", "info --help"},
@@ -54,6 +55,21 @@ constexpr Golden Runs[] = {
     {"new_list", "new --list"},
     {"new_list_json", "new --list --format json"},
     {"new_trunnion_ac", "new trunnion-ac --a -30,120 --pivot 62.5"},
+    {"help_solve", "solve --help"},
+    {"help_check", "check --help"},
+    {"help_vectors", "vectors --help"},
+    {"solve", "solve machine.xml path.csv --offset 0,0,30 -o - --summary none"},
+    {"solve_optimal",
+     "solve machine.xml path.csv --offset 0,0,30 --policy optimal --no-residuals -o -"},
+    {"solve_apt",
+     "solve machine.xml part.apt --offset 0,0,30 --policy greedy --no-residuals --inverse-time "
+     "-o -"},
+    {"solve_jsonl",
+     "solve machine.xml part.apt --offset 0,0,30 --format jsonl --summary json -o -"},
+    {"check", "check machine.xml rows.csv --offset 0,0,30 --path path.csv --speed X=5 --feed 600"},
+    {"check_json", "check machine.xml rows.csv --offset 0,0,30 --format json"},
+    {"check_jsonl", "check machine.xml rows.csv --offset 0,0,30 --format jsonl"},
+    {"vectors", "vectors write machine.xml --count 1 --offset 0,0,70 -o -"},
     {"usage", "ik machine.xml 10,20"},
     {"missing", "info missing.xml"},
 };
@@ -67,6 +83,16 @@ TEST(GoldenOutput, IsAsItWas) {
   tool.Write("head.xml", Whole(ExampleMachine("nutating_head_bc")));
   tool.Write("faulty.xml", Whole(ORVO_TOOLS_TEST_DIR "/golden/faulty.xml"));
   tool.Write("axes.csv", "# two positions\nX,A,C\n0,0,0\n10.5,30,-90\n");
+  tool.Write("path.csv",
+             "x,y,z,i,j,k\n10,0,0,0,0,1\n20,0,0,0,0.5,0.8660254037844386\n900,0,0,0,0,1\n"
+             "0,0,0,0,0,-1\n30,0,0,0,0,1\n");
+  tool.Write("part.apt",
+             "PARTNO PLATE\nUNITS/MM\nMULTAX/ON\nSPINDL/RPM,1000,CLW\nFROM/0,0,100,0,0,1\nRAPID\n"
+             "GOTO/10,0,20,0,0,1\nFEDRAT/600,MMPM\nGOTO/40,0,20,0,0,1\nGOTO/400,0,20,0,0,1\n"
+             "FINI\n");
+  tool.Write("rows.csv",
+             "X,Y,Z,A,C\n10,0,40,0,0\n20,-20,34.641016,30,0\n200,0,40,30,-270\n0,0,40,-1,0\n"
+             "30,0,40.002,0,0\n");
   // The mesh files of the machine are not there; what is told of them is part of the output.
   for (const Golden& run : Runs) {
     SCOPED_TRACE(run.command);

@@ -16,6 +16,9 @@ using Orvo::Path::MainAxisNb;
 
 constexpr double DegreesPerRadian = 180.0 / 3.141592653589793;
 
+/// A held direction that is off by less, in degrees, is as good as met.
+constexpr double NoticeableHeldDeg = 1e-9;
+
 std::string InLine(std::uint64_t line) {
   return line != 0 ? "first in line " + std::to_string(line) : "";
 }
@@ -50,7 +53,7 @@ std::string WholePathSummary::GetCountsText() const {
   table.AddRow({"unwindings", std::to_string(summary_.unwindingNb),
                 firstOf(Orvo::Path::DiagnosisCode::Unwinding)});
   table.AddRow({"held", std::to_string(summary_.heldNb),
-                summary_.heldNb > 0
+                summary_.largestDeviation * DegreesPerRadian > NoticeableHeldDeg
                     ? "with the direction off by up to " +
                           ShortNumber(summary_.largestDeviation * DegreesPerRadian, 3) + " degrees"
                     : ""});
