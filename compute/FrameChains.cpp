@@ -11,15 +11,6 @@ namespace Orvo::Kin {
 
 namespace {
 
-bool HasExactFourthRow(const TypedFrame& frame) {
-  for (int i = 3; i < 16; i += 4) {
-    if (!IsSameValue(frame.elements[i], IdentityFrame[i])) {
-      return false;
-    }
-  }
-  return true;
-}
-
 void SetIdentity(TypedFrame* frame) {
   CopyFrame(IdentityFrame, frame->elements);
   frame->type = Matrix43::Identity;

@@ -42,6 +42,9 @@ inline Lanes OriginOfProduct(const TypedFrame& a, const TypedFrame& b) {
   }
 }
 
+/// Tells whether the fourth row is (0, 0, 0, 1), bit for bit.
+bool HasExactFourthRow(const TypedFrame& frame);
+
 inline void Invert(const TypedFrame& frame, TypedFrame* inverse) {
   inverse->type = frame.type;
   InvertRigid(frame.elements, frame.type, inverse->elements);
@@ -63,9 +66,23 @@ class KeptLink {
   /// Computes the frame for a value of the axis, as ComputeRelativePosition does, bit for bit.
   void SetAxisValue(double value) {
     if (kind_ == Kind::Linear) {
-      SetTravel(zeroReference_ + value);
-      return;
+      SetTravel(value);
+    } else {
+      SetTurn(value);
     }
+  }
+
+  /// The same for a linear axis.
+  void SetTravel(double value) {
+    const double way = zeroReference_ + value;
+    double* const m = frame_.elements;
+    m[12] = vector_[0] * way;
+    m[13] = vector_[1] * way;
+    m[14] = vector_[2] * way;
+  }
+
+  /// The same for a rotary axis.
+  void SetTurn(double value) {
     const double radians = RadiansFromDegrees(value);
     if (radians == 0.0) {
       SetNoTurn();
@@ -96,13 +113,6 @@ class KeptLink {
   void TakeDownRotary(const EntityLink& from);
   void SetNoTurn();
   void SetTiltedTurn(double radians);
-
-  void SetTravel(double way) {
-    double* const m = frame_.elements;
-    m[12] = vector_[0] * way;
-    m[13] = vector_[1] * way;
-    m[14] = vector_[2] * way;
-  }
 
   // Writes what depends on the angle: a block of 2 x 2 numbers, and the origin, which is the center
   // less the turned center. The numbers are those of PrincipalTurn().

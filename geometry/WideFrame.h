@@ -18,21 +18,25 @@ namespace Orvo {
 
 inline bool HasWideLanes() { return __builtin_cpu_supports("avx") != 0; }
 
-/// The directions of a frame in registers.
-struct WideDirections {
+/// A frame in registers, a column to each.
+struct WideFrame {
   __m256d u;
   __m256d v;
   __m256d w;
+  __m256d t;
 };
 
-ORVO_WIDE inline __m256d CombineColumns(const WideDirections& m, const double* p) {
-  return _mm256_add_pd(_mm256_mul_pd(m.u, _mm256_broadcast_sd(p)),
-                       _mm256_add_pd(_mm256_mul_pd(m.v, _mm256_broadcast_sd(p + 1)),
-                                     _mm256_mul_pd(m.w, _mm256_broadcast_sd(p + 2))));
+ORVO_WIDE inline WideFrame LoadWide(const double* m) {
+  return {_mm256_loadu_pd(m), _mm256_loadu_pd(m + 4), _mm256_loadu_pd(m + 8),
+          _mm256_loadu_pd(m + 12)};
 }
 
-/// Loads a column that was stored whole; aligned to 32 bytes.
-ORVO_WIDE inline __m256d LoadWide(const double* column) { return _mm256_load_pd(column); }
+ORVO_WIDE inline void StoreWide(const WideFrame& frame, double* m) {
+  _mm256_storeu_pd(m, frame.u);
+  _mm256_storeu_pd(m + 4, frame.v);
+  _mm256_storeu_pd(m + 8, frame.w);
+  _mm256_storeu_pd(m + 12, frame.t);
+}
 
 /// Loads a column that was stored in halves: a processor is slow to load it whole soon afterwards.
 ORVO_WIDE inline __m256d LoadHalves(const double* column) {
@@ -40,72 +44,44 @@ ORVO_WIDE inline __m256d LoadHalves(const double* column) {
                               1);
 }
 
-ORVO_WIDE inline __m256d WithW(const __m256d& a, double w) {
-  return _mm256_blend_pd(a, _mm256_set1_pd(w), 0b1000);
+ORVO_WIDE inline __m256d CombineColumns(const WideFrame& m, const double* p) {
+  return _mm256_add_pd(_mm256_mul_pd(m.u, _mm256_broadcast_sd(p)),
+                       _mm256_add_pd(_mm256_mul_pd(m.v, _mm256_broadcast_sd(p + 1)),
+                                     _mm256_mul_pd(m.w, _mm256_broadcast_sd(p + 2))));
 }
 
-/// Where a frame is written to: for products to come, aligned to 32 bytes, and for the caller.
-struct WideTargets {
-  double* product;
-  double* copy;
-};
-
-ORVO_WIDE inline void StoreWide(int place, const __m256d& column, const WideTargets& to) {
-  _mm256_store_pd(to.product + place, column);
-  _mm256_storeu_pd(to.copy + place, column);
+/// The same x, y, z with the fourth row of a direction, 0, or of an origin, 1.
+ORVO_WIDE inline __m256d AsDirection(const __m256d& a) {
+  return _mm256_blend_pd(a, _mm256_setzero_pd(), 0b1000);
+}
+ORVO_WIDE inline __m256d AsOrigin(const __m256d& a) {
+  return _mm256_blend_pd(a, _mm256_set1_pd(1.0), 0b1000);
 }
 
-ORVO_WIDE inline void StoreWide(const WideDirections& directions, const __m256d& origin,
-                                const WideTargets& to) {
-  StoreWide(0, WithW(directions.u, 0.0), to);
-  StoreWide(4, WithW(directions.v, 0.0), to);
-  StoreWide(8, WithW(directions.w, 0.0), to);
-  StoreWide(12, WithW(origin, 1.0), to);
-}
-
-/// Copies a frame that is aligned to 32 bytes.
-ORVO_WIDE inline void CopyFrameWide(const double* m, double* copy) {
-  for (int column = 0; column < 16; column += 4) {
-    _mm256_storeu_pd(copy + column, LoadWide(m + column));
-  }
-}
-
-/// Does what MultiplyFrames() does, and copies the product. The left factor and the product are
-/// aligned to 32 bytes. Only rules for frames that are not projective.
-ORVO_WIDE inline void MultiplyFramesWide(ProductRule rule, const double* a, const double* b,
-                                         double* product, double* copy) {
-  const WideTargets to = {product, copy};
+/// Makes a frame the product of itself and another one, as MultiplyFrames() does. The fourth row of
+/// both is exactly (0, 0, 0, 1).
+ORVO_WIDE inline void MultiplyFrameWide(ProductRule rule, const double* b, WideFrame* frame) {
+  const WideFrame a = *frame;
   switch (rule) {
-    case ProductRule::LeftMoved: {
-      const WideDirections left = {LoadWide(a), LoadWide(a + 4), LoadWide(a + 8)};
-      StoreWide(left, _mm256_add_pd(CombineColumns(left, b + 12), LoadWide(a + 12)), to);
+    case ProductRule::Left:
       break;
-    }
+    case ProductRule::LeftMoved:
+      frame->t = AsOrigin(_mm256_add_pd(CombineColumns(a, b + 12), a.t));
+      break;
+    case ProductRule::Affine:
     case ProductRule::Turn:
-    case ProductRule::Affine: {
-      const WideDirections left = {LoadWide(a), LoadWide(a + 4), LoadWide(a + 8)};
-      const WideDirections image = {CombineColumns(left, b), CombineColumns(left, b + 4),
-                                    CombineColumns(left, b + 8)};
-      StoreWide(image,
-                rule == ProductRule::Turn
-                    ? _mm256_setzero_pd()
-                    : _mm256_add_pd(CombineColumns(left, b + 12), LoadWide(a + 12)),
-                to);
+      *frame = {
+          AsDirection(CombineColumns(a, b)), AsDirection(CombineColumns(a, b + 4)),
+          AsDirection(CombineColumns(a, b + 8)),
+          AsOrigin(rule == ProductRule::Turn ? _mm256_setzero_pd()
+                                             : _mm256_add_pd(CombineColumns(a, b + 12), a.t))};
       break;
-    }
-    case ProductRule::RightTurned:
-    case ProductRule::RightMoved: {
-      const WideDirections right = {LoadHalves(b), LoadHalves(b + 4), LoadHalves(b + 8)};
-      const __m256d left = LoadWide(a + 12);
-      StoreWide(right,
-                rule == ProductRule::RightMoved ? _mm256_add_pd(left, LoadHalves(b + 12)) : left,
-                to);
-      break;
-    }
     default:
-      for (int column = 0; column < 16; column += 4) {
-        StoreWide(column, rule == ProductRule::Left ? LoadWide(a + column) : LoadHalves(b + column),
-                  to);
+      *frame = {LoadHalves(b), LoadHalves(b + 4), LoadHalves(b + 8), LoadHalves(b + 12)};
+      if (rule == ProductRule::RightMoved) {
+        frame->t = AsOrigin(_mm256_add_pd(a.t, frame->t));
+      } else if (rule == ProductRule::RightTurned) {
+        frame->t = a.t;
       }
       break;
   }
