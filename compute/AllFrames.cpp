@@ -19,14 +19,19 @@ std::optional<std::size_t> PlaceOf(const Entity* entity, std::size_t frameNb) {
   return place < frameNb ? std::optional(place) : std::nullopt;
 }
 
-bool HasExactUnitAxes(const TypedFrame& frame) {
-  return std::equal(frame.elements, frame.elements + 12, IdentityFrame, IsSameValue);
+// An identity is not written onto another one, as everywhere.
+void WriteIdentity(Matrix43* frame) {
+  if (FrameAccess::Type(*frame) != Matrix43::Identity) {
+    CopyFrame(IdentityFrame, FrameAccess::Elements(frame));
+    FrameAccess::SetType(frame, Matrix43::Identity);
+  }
 }
 
 }  // namespace
 
 bool AllFrames::Build(const std::vector<const Entity*>& entities, std::size_t frameNb) {
   *this = AllFrames();
+  frameNb_ = frameNb;
   // The addresses of all stay as they are.
   links_.reserve(entities.size());
   steps_.reserve(entities.size() + 1);
@@ -53,7 +58,7 @@ bool AllFrames::Build(const std::vector<const Entity*>& entities, std::size_t fr
     const std::optional<std::size_t> parentPlace = PlaceOf(entity->GetParentEntity(), frameNb);
     Step& step = steps_.emplace_back();
     step.parent = parentPlace ? stepAt[*parentPlace] : steps_.data();
-    step.link = &kept.Frame();
+    step.link = &kept;
     step.place = *place;
     if (step.parent == nullptr) {
       return false;
@@ -103,12 +108,14 @@ void AllFrames::FindProducts() {
   for (std::size_t i = 1; i < steps_.size(); ++i) {
     Step& step = steps_[i];
     const Step& parent = *step.parent;
-    const Matrix43::Type linkType = step.link->type;
+    const Matrix43::Type linkType = step.link->Frame().type;
     step.product = KindOfProduct(parent.product.type, linkType);
-    const bool isShift = linkType == Matrix43::Translation && HasExactUnitAxes(*step.link);
-    if (isShift && parent.isShifted && step.product.rule == ProductRule::Affine) {
-      step.product.rule = ProductRule::LeftMoved;
+    const bool isShift = linkType == Matrix43::Translation && HasExactUnitAxes(step.link->Frame());
+    if (step.product.rule == ProductRule::Affine) {
+      step.product.rule =
+          isShift && parent.isShifted ? ProductRule::LeftMoved : step.link->AffineRule();
     }
+    step.isNextInChain = step.parent == &step - 1 && step.product.type != Matrix43::Identity;
     step.isShifted =
         linkType == Matrix43::Identity
             ? parent.isShifted
@@ -116,19 +123,18 @@ void AllFrames::FindProducts() {
   }
 }
 
-// Parents are read where they were written to. An identity is not written onto another one, as
-// everywhere; none is read.
+// Parents are read where they were written to; identities are not read.
 void AllFrames::Multiply(Matrix43* frames) const {
   const Step* const end = steps_.data() + steps_.size();
   for (const Step* step = steps_.data() + 1; step != end; ++step) {
     Matrix43& frame = frames[step->place];
     double* const m = FrameAccess::Elements(&frame);
-    if (step->product.type != Matrix43::Identity) {
-      MultiplyFrames(step->product.rule, FrameAccess::Elements(frames[step->parent->place]),
-                     step->link->elements, m);
-    } else if (FrameAccess::Type(frame) != Matrix43::Identity) {
-      CopyFrame(IdentityFrame, m);
+    if (step->product.type == Matrix43::Identity) {
+      WriteIdentity(&frame);
+      continue;
     }
+    MultiplyFrames(step->product.rule, FrameAccess::Elements(frames[step->parent->place]),
+                   step->link->Frame().elements, m);
     FrameAccess::SetType(&frame, step->product.type);
   }
 }
@@ -141,15 +147,15 @@ ORVO_WIDE void AllFrames::MultiplyWide(Matrix43* frames) const {
   for (const Step* step = steps_.data() + 1; step != end; ++step) {
     Matrix43& frame = frames[step->place];
     double* const m = FrameAccess::Elements(&frame);
-    if (step->product.type != Matrix43::Identity) {
-      if (step->parent != step - 1) {
-        world = LoadWide(FrameAccess::Elements(std::as_const(frames[step->parent->place])));
+    if (!step->isNextInChain) {
+      if (step->product.type == Matrix43::Identity) {
+        WriteIdentity(&frame);
+        continue;
       }
-      MultiplyFrameWide(step->product.rule, step->link->elements, &world);
-      StoreWide(world, m);
-    } else if (FrameAccess::Type(frame) != Matrix43::Identity) {
-      CopyFrame(IdentityFrame, m);
+      world = LoadWide(FrameAccess::Elements(std::as_const(frames[step->parent->place])));
     }
+    world = MultiplyFrameWide(step->product.rule, world, step->link->Frame().elements);
+    StoreWide(world, m);
     FrameAccess::SetType(&frame, step->product.type);
   }
 }

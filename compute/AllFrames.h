@@ -22,6 +22,8 @@ class AllFrames {
   /// The smallest size of a position that has all registers of the elements.
   std::size_t RegisterBound() const { return registerBound_; }
 
+  std::size_t FrameNb() const { return frameNb_; }
+
   /// Writes the frames for axis values by register, each at the place of its element's id.
   void Compute(const double* values, Matrix43* frames);
 
@@ -29,10 +31,11 @@ class AllFrames {
   /// How the frame of an element comes about from its parent's and its link's, and its kind.
   struct Step {
     const Step* parent = nullptr;  // before this one
-    const TypedFrame* link = nullptr;
+    const KeptLink* link = nullptr;
     std::size_t place = 0;
     ProductKind product{};
-    bool isShifted = false;  // a Translation, with exact unit axes; or products of such
+    bool isShifted = false;      // a Translation, with exact unit axes; or products of such
+    bool isNextInChain = false;  // the step before is the parent, and the frame no identity
   };
 
   /// An axis, with the value that its link is computed for.
@@ -51,6 +54,7 @@ class AllFrames {
   std::vector<Axis> linearAxes_;
   std::vector<Axis> rotaryAxes_;
   std::vector<Step> steps_;  // after one that stands for the world
+  std::size_t frameNb_ = 0;
   std::size_t registerBound_ = 0;
   bool areKindsKnown_ = false;
   bool isWide_ = HasWideLanes();

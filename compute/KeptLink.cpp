@@ -3,6 +3,7 @@
 #include "compute/SameValue.h"
 #include "geometry/PrincipalAxis.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace Orvo::Kin {
@@ -14,6 +15,10 @@ bool HasExactFourthRow(const TypedFrame& frame) {
     }
   }
   return true;
+}
+
+bool HasExactUnitAxes(const TypedFrame& frame) {
+  return std::equal(frame.elements, frame.elements + 12, IdentityFrame, IsSameValue);
 }
 
 bool KeptLink::TakeDown(const Entity& entity) {

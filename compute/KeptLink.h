@@ -45,6 +45,9 @@ inline Lanes OriginOfProduct(const TypedFrame& a, const TypedFrame& b) {
 /// Tells whether the fourth row is (0, 0, 0, 1), bit for bit.
 bool HasExactFourthRow(const TypedFrame& frame);
 
+/// Tells whether the directions are the unit axes with the fourth row 0, bit for bit.
+bool HasExactUnitAxes(const TypedFrame& frame);
+
 inline void Invert(const TypedFrame& frame, TypedFrame* inverse) {
   inverse->type = frame.type;
   InvertRigid(frame.elements, frame.type, inverse->elements);
@@ -95,6 +98,13 @@ class KeptLink {
 
   const TypedFrame& Frame() const { return frame_; }
 
+  /// The rule for a product with this link that is Affine by its kind.
+  ProductRule AffineRule() const {
+    return kind_ == Kind::PrincipalRotary && frame_.type == Matrix43::RotationTranslation
+               ? TurnRule(axis_)
+               : ProductRule::Affine;
+  }
+
  private:
   enum class Kind {
     Fixed,  ///< IDENTITY and POSITION
@@ -109,6 +119,11 @@ class KeptLink {
     Lanes turnedW;
     alignas(16) double toAxis[16];
   };
+
+  static ProductRule TurnRule(Direction axis) {
+    return axis == X ? ProductRule::TurnedX
+                     : (axis == Y ? ProductRule::TurnedY : ProductRule::TurnedZ);
+  }
 
   void TakeDownRotary(const EntityLink& from);
   void SetNoTurn();

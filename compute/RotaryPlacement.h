@@ -26,9 +26,9 @@ class RotaryPlacement {
   /// Computes the directions for axis values by register.
   const RotaryDirections& Compute(const double* values);
 
-  /// Solves for a target with the directions computed last. Returns false, without angles, unless
-  /// there are two axes and RotaryPair decides.
-  bool Solve(const RequestedDirection& target, RotaryAngles* angles) const;
+  /// Solves for a target with the directions computed last. Returns false, with nothing written,
+  /// unless there are two axes and RotaryPair decides.
+  bool Solve(RequestedDirection target, RotariesSolution* sol) const;
 
  private:
   struct Axis {
