@@ -6,6 +6,7 @@
 #include "compute/RotaryPair.h"
 
 #include <Orvo/Kin/Register.h>
+#include <Orvo/Kin/RotariesSolution.h>
 #include <Orvo/Vector3D.h>
 
 #include <cstddef>
