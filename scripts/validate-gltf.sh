@@ -36,8 +36,11 @@ if ! grep -q "\"version\": \"$version\"" "$package" 2>/dev/null; then
     exit 77
   fi
   mkdir -p "$tools"
-  (cd "$tools" && npm install --no-save --no-package-lock --no-audit --no-fund --ignore-scripts \
-    --prefix . "gltf-validator@$version")
+  if ! (cd "$tools" && npm install --no-save --no-package-lock --no-audit --no-fund \
+    --ignore-scripts --prefix . "gltf-validator@$version"); then
+    echo "skipped: the glTF validator can't be installed"
+    exit 77
+  fi
 fi
 
 rm -rf "$folder"
