@@ -132,8 +132,8 @@ bool FrameChains::Update(const double* values) {
   return true;
 }
 
-// Returns whether any is another one than before. Rotary axes come first: what doesn't need them goes
-// on while sines and cosines are under way.
+// Returns whether any is another one than before. Rotary axes come first: what doesn't need them
+// goes on while sines and cosines are under way.
 inline bool FrameChains::SetAxisValues(const double* values) {
   bool isAnyOther = false;
   for (Axis& axis : rotaryAxes_) {
