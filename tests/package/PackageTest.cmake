@@ -148,7 +148,7 @@ elseif(STEP STREQUAL "find_package")
     message(FATAL_ERROR "path_consumer printed ${output}")
   endif()
   execute_process(COMMAND ${WORK_DIR}/exchange_consumer OUTPUT_VARIABLE output
-                                                        COMMAND_ERROR_IS_FATAL ANY)
+                                                                        COMMAND_ERROR_IS_FATAL ANY)
   if(NOT output STREQUAL "6 elements\n")
     message(FATAL_ERROR "exchange_consumer printed ${output}")
   endif()

@@ -60,9 +60,9 @@ ORVO_EXCHANGE_API void WriteMachineJsonFile(const Kin::Machine& machine,
 /// finishes it.
 ///
 /// As for machine files, what comes out may not be valid: ask Machine::IsFinished() and
-/// Machine::GetLastError(). Directions are made unit; those that are so already, and (0, 0, 0), keep
-/// their bits. Texts may be indented in any way, members may stand in any order; a member that isn't
-/// known, or that is there twice, is refused, so that nothing gets lost on the way.
+/// Machine::GetLastError(). Directions are made unit; those that are so already, and (0, 0, 0),
+/// keep their bits. Texts may be indented in any way, members may stand in any order; a member that
+/// isn't known, or that is there twice, is refused, so that nothing gets lost on the way.
 ///
 /// @param in       read to its end
 /// @param name     stands for the file in messages, UTF-8
