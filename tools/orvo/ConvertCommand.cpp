@@ -349,7 +349,7 @@ CommandAction AddConvertCommand(CLI::App* command) {
       ->add_option("--animate", options->axes,
                    "for glb and gltf: the axis values of a motion, as orvo solve writes them; "
                    "a move takes what its inverse time says, else 0.1 seconds")
-      ->type_name("AXES");
+      ->type_name("FILE");
   command->add_option("--seconds", options->seconds, "how long the whole motion is to take")
       ->check(isPositive)
       ->type_name("SECONDS");

@@ -140,7 +140,7 @@ _orvo() {
             case $previous in
                 --from) _orvo_words "xml json"; return ;;
                 --to) _orvo_words "xml json glb gltf urdf dot"; return ;;
-                --animate) return ;;
+                --animate) _orvo_files; return ;;
                 --seconds) return ;;
                 --unit) return ;;
             esac
