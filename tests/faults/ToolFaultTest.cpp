@@ -21,25 +21,23 @@ namespace {
 struct Command {
   const char* name;
   std::string line;
-  bool hasFile;            ///< whether the result is a file, axes.csv, beside the standard output
-  bool isSampled = false;  ///< of many calls some fail; the first ones are those of any command
+  bool hasFile;  ///< whether the result is a file, axes.csv, beside the standard output
 };
 
 std::vector<Command> Commands() {
   const std::string machine = "'" + ExampleMachine("trunnion_ac") + "'";
-  return {
-      {"orvo info", "info " + machine, false},
-      {"orvo solve", "solve " + machine + " path.csv --offset 0,0,30 -o axes.csv", true},
-      {"orvo solve --policy optimal",
-       "solve " + machine + " few.csv --offset 0,0,30 --policy optimal --threads 2 -o axes.csv",
-       true, true},
-      {"orvo check", "check " + machine + " rows.csv --path few.csv --offset 0,0,30", false, true},
-      {"orvo vectors", "vectors write " + machine + " --count 2 -o axes.csv", true, true},
-      {"orvo validate", "validate " + machine, false},
-      {"orvo fk", "fk " + machine + " rows.csv --all --format csv -o axes.csv", true},
-      {"orvo ik", "ik " + machine + " 10,2,30 0,0.5,0.8", false},
-      {"orvo explain", "explain " + machine + " 1,2,30 0,0,1 --format json", false},
-      {"orvo new", "new trunnion-ac -o axes.csv", true}};
+  return {{"orvo info", "info " + machine, false},
+          {"orvo solve", "solve " + machine + " path.csv --offset 0,0,30 -o axes.csv", true},
+          {"orvo solve --policy optimal",
+           "solve " + machine + " few.csv --offset 0,0,30 --policy optimal --threads 2 -o axes.csv",
+           true},
+          {"orvo check", "check " + machine + " rows.csv --path few.csv --offset 0,0,30", false},
+          {"orvo vectors", "vectors write " + machine + " --count 2 -o axes.csv", true},
+          {"orvo validate", "validate " + machine, false},
+          {"orvo fk", "fk " + machine + " rows.csv --all --format csv -o axes.csv", true},
+          {"orvo ik", "ik " + machine + " 10,2,30 0,0.5,0.8", false},
+          {"orvo explain", "explain " + machine + " 1,2,30 0,0,1 --format json", false},
+          {"orvo new", "new trunnion-ac -o axes.csv", true}};
 }
 
 // Enough points for several writes.
@@ -136,7 +134,10 @@ class ToolFaults : public testing::Test {
 #else
     const std::size_t step = std::max<std::size_t>(1, callNb / 300);
 #endif
-    EXPECT_GT(callNb, 0U);
+    // Not every command reads a file, or writes both a file and to the standard output; these two
+    // do between them.
+    const std::string name = command.name;
+    EXPECT_TRUE(callNb > 0 || (name != "orvo info" && name != "orvo solve"));
     for (std::size_t place = 0; place < callNb && !HasFailure();
          place += place < 20 || place + 20 > callNb ? 1 : step) {
       SCOPED_TRACE(command.name + (", " + fault.Name()) + ", call " + std::to_string(place));
