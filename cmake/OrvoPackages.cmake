@@ -65,7 +65,7 @@ axis values.")
 find_program(gzip gzip REQUIRED)
 mark_as_advanced(gzip)
 file(WRITE ${packaging}/shlibs "")
-foreach(library liborvo liborvo-path)
+foreach(library liborvo liborvo-path liborvo-exchange)
   file(APPEND ${packaging}/shlibs
        "${library} ${PROJECT_VERSION_MAJOR} ${runtime_package} (>= ${PROJECT_VERSION})\n")
 endforeach()

@@ -11,7 +11,6 @@
 
 #include <cmath>
 #include <cstddef>
-#include <cstring>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -47,9 +46,11 @@ void RequireSound(const ToolPoint& point) {
 }
 
 bool IsSame(const ToolPoint& a, const ToolPoint& b) {
-  return std::memcmp(a.point.Get_m128d(), b.point.Get_m128d(), 32) == 0 &&
-         std::memcmp(a.direction.Get_m128d(), b.direction.Get_m128d(), 32) == 0 &&
-         a.feed == b.feed && a.line == b.line && a.isRapid == b.isRapid;
+  bool isSame = true;
+  for (int i = 0; i < 3; ++i) {
+    isSame = isSame && a.point[i] == b.point[i] && a.direction[i] == b.direction[i];
+  }
+  return isSame && a.feed == b.feed && a.line == b.line && a.isRapid == b.isRapid;
 }
 
 /// Reads on, as far as the file can be understood; tells whether that was to its end.

@@ -22,7 +22,7 @@ constexpr double SmallestDeterminant = 1e-9;
 /// Asks forward kinematics at values of the main axes.
 class Sampler {
  public:
-  Sampler(Kin::MachineCompute compute, const Kin::ProgramSystem& programSystem,
+  Sampler(const Kin::MachineCompute& compute, const Kin::ProgramSystem& programSystem,
           const MainAxes& axes, const Kin::MachinePosition& position, const Vector3D& offset)
       : compute_(compute),
         programSystem_(programSystem),
@@ -72,7 +72,7 @@ void SeparateBoth(std::array<Vec3, 9>* s) {
 
 }  // namespace
 
-ChainModel::ChainModel(Kin::MachineCompute compute, const Kin::ProgramSystem& programSystem,
+ChainModel::ChainModel(const Kin::MachineCompute& compute, const Kin::ProgramSystem& programSystem,
                        const MainAxes& axes, const Kin::MachinePosition& position,
                        const Vector3D& offset) {
   Sampler sampler(compute, programSystem, axes, position, offset);

@@ -27,7 +27,7 @@ class ChainModel {
   };
 
   /// Samples the chain at a position, whose other axes stay where they are.
-  ChainModel(Kin::MachineCompute compute, const Kin::ProgramSystem& programSystem,
+  ChainModel(const Kin::MachineCompute& compute, const Kin::ProgramSystem& programSystem,
              const MainAxes& axes, const Kin::MachinePosition& position, const Vector3D& offset);
 
   /// Tells whether forward kinematics agrees with the model.

@@ -17,12 +17,12 @@ ElementFinding TurnOf(const MainAxis& axis, double fromDeg, double toDeg) {
   return finding;
 }
 
-double TurnAt(const SolvedPoint& before, const SolvedPoint& point, std::size_t axis) {
+double TurnAt(const MoveStart& before, const SolvedPoint& point, std::size_t axis) {
   return std::abs(point.values[axis] - before.values[axis]);
 }
 
 /// Adds the rotary axes that turn by more than an angle; returns the largest turn.
-double AddTurns(const MainAxes& axes, const SolvedPoint& before, const SolvedPoint& point,
+double AddTurns(const MainAxes& axes, const MoveStart& before, const SolvedPoint& point,
                 double leastDeg, Diagnosis* diagnosis) {
   double largest = 0.0;
   for (std::size_t i = FirstRotary; i < MainAxisNb; ++i) {
@@ -55,7 +55,7 @@ Diagnosis FindHeldAxis(const PointSolver& solver, double deviation) {
 }
 
 void AddMoveFindings(const PointSolver& solver, const PathOptions& options, const Answers& answers,
-                     const SolvedPoint& before, SolvedPoint* point) {
+                     const MoveStart& before, SolvedPoint* point) {
   const MainAxes& axes = solver.GetAxes();
   if (point->isBranchChange) {
     Diagnosis diagnosis(DiagnosisCode::BranchChange);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "path/SegmentMotion.h"
+
 #include <Orvo/Path/Diagnosis.h>
 #include <Orvo/Path/PathOptions.h>
 #include <Orvo/Path/PointSolver.h>
@@ -16,7 +18,7 @@ Diagnosis FindHeldAxis(const PointSolver& solver, double deviation);
 /// Adds what is to be said of the move between two solved points: near singular, branch change,
 /// unwinding.
 void AddMoveFindings(const PointSolver& solver, const PathOptions& options, const Answers& answers,
-                     const SolvedPoint& before, SolvedPoint* point);
+                     const MoveStart& before, SolvedPoint* point);
 
 /// Returns the values of the answer that is least out of the linear ranges, with its rotary ones in
 /// range; null where there is none.

@@ -123,14 +123,14 @@ void PathOutput::Choose(const PathBlock& block, std::vector<SolvedPoint>* points
   }
 }
 
-void PathOutput::FinishMove(PointSolver& solver, const Answers& answers, const SolvedPoint& before,
+void PathOutput::FinishMove(PointSolver& solver, const Answers& answers, const MoveStart& before,
                             SolvedPoint* point, std::vector<SolvedPoint>* inserted) const {
   const SegmentOptions& segments = options_.segments;
   if (segments.isRefined && !point->target.isRapid) {
     SegmentDeviation left;
     *inserted = Refine(solver, options_, before, *point, &left);
-    const SolvedPoint& from = inserted->empty() ? before : inserted->back();
-    const SegmentDeviation own = ComputeDeviation(solver, from.values, point->values);
+    const AxisValues& from = inserted->empty() ? before.values : inserted->back().values;
+    const SegmentDeviation own = ComputeDeviation(solver, from, point->values);
     point->tipDeviation = own.tip;
     point->directionDeviation = own.direction;
     if (left.tip > segments.tipTolerance ||
@@ -147,15 +147,15 @@ void PathOutput::FinishMove(PointSolver& solver, const Answers& answers, const S
       point->diagnoses.push_back(FindSegmentDeviation(deviation.tip, deviation.direction));
     }
   }
-  const SolvedPoint* from = &before;
+  MoveStart from = before;
   for (SolvedPoint& between : *inserted) {
-    between.inverseTime = ComputeInverseTime(options_.measure, *from, between);
+    between.inverseTime = ComputeInverseTime(options_.measure, from, between);
     if (options_.hasResiduals) {
       between.residual = solver.Check(between.target, between.values);
     }
-    from = &between;
+    from = MoveStart(between);
   }
-  point->inverseTime = ComputeInverseTime(options_.measure, *from, *point);
+  point->inverseTime = ComputeInverseTime(options_.measure, from, *point);
   AddMoveFindings(solver, options_, answers, before, point);
 }
 
@@ -172,7 +172,7 @@ void PathOutput::FinishPoint(PointSolver& solver, const Answers& answers, const 
       point->diagnoses.push_back(FindHeldAxis(solver, point->deviation));
     }
     if (point->index > 0 && before.isSolved) {
-      FinishMove(solver, answers, before, point, inserted);
+      FinishMove(solver, answers, MoveStart(before), point, inserted);
     }
   }
   for (Diagnosis& diagnosis : point->diagnoses) {

@@ -2,6 +2,7 @@
 
 #include "path/PathBlocks.h"
 #include "path/PathState.h"
+#include "path/SegmentMotion.h"
 #include "path/WorkerPool.h"
 
 #include <Orvo/Path/PathOptions.h>
@@ -38,7 +39,7 @@ class PathOutput {
   void Finish(const PathBlock& block, std::vector<SolvedPoint>* points);
   void FinishPoint(PointSolver& solver, const Answers& answers, const SolvedPoint& before,
                    SolvedPoint* point, std::vector<SolvedPoint>* inserted) const;
-  void FinishMove(PointSolver& solver, const Answers& answers, const SolvedPoint& before,
+  void FinishMove(PointSolver& solver, const Answers& answers, const MoveStart& before,
                   SolvedPoint* point, std::vector<SolvedPoint>* inserted) const;
   void Add(const SolvedPoint& point, PathSummary* summary) const;
   void FindShift(const PathState& start, PathSummary* summary);

@@ -22,6 +22,10 @@ namespace {
 /// Costs of forbidden moves are cut to this, so that sums keep their digits.
 constexpr double LargestCost = 1e9;
 
+/// A start farther out of the range of a rotary axis than this counts as this far, in degrees: the
+/// turns of a move must be countable.
+constexpr double LargestStartExcessDeg = 1e6;
+
 void Require(bool isGood, const char* what) {
   if (!isGood) {
     throw std::invalid_argument(std::string("PathSolver::PathSolver : ") + what);
@@ -52,6 +56,19 @@ void CheckOptions(PathOptions* options) {
   options->threadNb = std::min(options->threadNb, 256U);
 }
 
+PathState StartState(const MainAxes& axes, const Kin::MachinePosition& position) {
+  PathState start;
+  start.values = axes.Take(position);
+  for (std::size_t i = FirstRotary; i < MainAxisNb; ++i) {
+    const MainAxis& axis = axes.axes[i];
+    if (axis.isPresent && axis.isChecked) {
+      start.values[i] = std::fmin(std::fmax(start.values[i], axis.min - LargestStartExcessDeg),
+                                  axis.max + LargestStartExcessDeg);
+    }
+  }
+  return start;
+}
+
 }  // namespace
 
 struct PathSolverImplementation {
@@ -75,6 +92,9 @@ PathSolver::PathSolver(const Kin::Machine& machine, const Kin::ProgramSystem& pr
   own.options = options;
   CheckOptions(&own.options);
   own.solvers.emplace_back(machine, programSystem, offset, start);
+  for (const double value : GetAxes().Take(start)) {
+    Require(std::isfinite(value), "a value of the start is no number");
+  }
 }
 
 PathSolver::PathSolver(PathSolver&& other) noexcept = default;
@@ -97,8 +117,7 @@ PathSummary PathSolver::Solve(PointSource& source, const Sink& sink) {
   while (own.solvers.size() < own.options.threadNb) {
     own.solvers.emplace_back(*own.machine, own.programSystem, own.offset, own.position);
   }
-  PathState start;
-  start.values = GetAxes().Take(own.position);
+  const PathState start = StartState(GetAxes(), own.position);
   WorkerPool pool(own.options.threadNb);
   PathBlocks blocks(source, pool, own.solvers, own.options);
   const bool isPlain = own.programSystem.GetRotariesCompute() != Kin::RotariesComputeShortestWay;

@@ -230,7 +230,7 @@ bool TakeNearest(const MainAxes& axes, const Answers& answers, const PathState& 
 }
 
 /// Solves the middle of two points, near to where the axes would pass it.
-bool SolveMiddle(PointSolver& solver, const PathOptions& options, const SolvedPoint& from,
+bool SolveMiddle(PointSolver& solver, const PathOptions& options, const MoveStart& from,
                  const SolvedPoint& to, SolvedPoint* middle) {
   *middle = SolvedPoint();
   middle->index = to.index;
@@ -315,7 +315,7 @@ SegmentDeviation ComputeDeviation(PointSolver& solver, const AxisValues& from,
 }
 
 std::vector<SolvedPoint> Refine(PointSolver& solver, const PathOptions& options,
-                                const SolvedPoint& from, const SolvedPoint& to,
+                                const MoveStart& from, const SolvedPoint& to,
                                 SegmentDeviation* left) {
   struct Piece {
     SolvedPoint end;
@@ -324,7 +324,7 @@ std::vector<SolvedPoint> Refine(PointSolver& solver, const PathOptions& options,
   std::vector<SolvedPoint> inserted;
   // The ends that are still ahead, the nearest one last.
   std::vector<Piece> ahead = {{to, 0}};
-  SolvedPoint current = from;
+  MoveStart current = from;
   *left = SegmentDeviation();
   while (!ahead.empty()) {
     const Piece piece = ahead.back();
@@ -339,17 +339,17 @@ std::vector<SolvedPoint> Refine(PointSolver& solver, const PathOptions& options,
     left->tip = std::max(left->tip, deviation.tip);
     left->direction = std::max(left->direction, deviation.direction);
     ahead.pop_back();
-    current = piece.end;
+    current = MoveStart(piece.end);
     if (!ahead.empty()) {
-      current.tipDeviation = deviation.tip;
-      current.directionDeviation = deviation.direction;
-      inserted.push_back(current);
+      inserted.push_back(piece.end);
+      inserted.back().tipDeviation = deviation.tip;
+      inserted.back().directionDeviation = deviation.direction;
     }
   }
   return inserted;
 }
 
-double ComputeInverseTime(const PathMeasure& measure, const SolvedPoint& from,
+double ComputeInverseTime(const PathMeasure& measure, const MoveStart& from,
                           const SolvedPoint& to) {
   if (to.target.isRapid || !(to.target.feed > 0.0)) {
     return 0.0;

@@ -8,6 +8,8 @@
 #include <Orvo/Kin/Machine.h>
 #include <Orvo/Matrix43.h>
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cmath>
 #include <string>
@@ -75,21 +77,21 @@ void CheckAxes(const Kin::Machine& machine, const MainAxes& axes, const Kin::Ent
     }
     const std::string number = "register " + std::to_string(axis.reg.GetVal());
     if (!axis.isPresent) {
-      findings->push_back(
-          Misfit(&axis, number + ", named as the " + place + " axis, belongs to no element"));
+      findings->push_back(Misfit(
+          &axis, fmt::format("{}, named as the {} axis, belongs to no element", number, place)));
       continue;
     }
     for (std::size_t k = 0; k < i; ++k) {
       if (axes.axes[k].reg.GetVal() == axis.reg.GetVal()) {
-        findings->push_back(Misfit(&axis, number + " is named as the " + PlaceNames[k] +
-                                              " and as the " + place + " axis"));
+        findings->push_back(Misfit(&axis, fmt::format("{} is named as the {} and as the {} axis",
+                                                      number, PlaceNames[k], place)));
       }
     }
     const Kin::Entity& entity = *machine.GetKinematic().GetEntity(axis.reg);
     const std::string why = WhyUnfit(entity, i >= FirstRotary, head, table);
     if (!why.empty()) {
-      findings->push_back(
-          Misfit(&axis, axis.name + " (" + number + "), named as the " + place + " axis, " + why));
+      findings->push_back(Misfit(
+          &axis, fmt::format("{} ({}), named as the {} axis, {}", axis.name, number, place, why)));
     }
   }
 }

@@ -2,32 +2,20 @@
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
+#include <utf8.h>
 
 #include <cmath>
 #include <cstdint>
+#include <iterator>
+#include <type_traits>
 
 namespace Orvo::Path {
 namespace {
 
 constexpr std::uint32_t Replacement = 0xFFFD;
 
-void Append(std::uint32_t code, std::string* out) {
-  const auto add = [out](std::uint32_t byte) { out->push_back(static_cast<char>(byte)); };
-  if (code < 0x80) {
-    add(code);
-  } else if (code < 0x800) {
-    add(0xC0U | (code >> 6U));
-    add(0x80U | (code & 0x3FU));
-  } else if (code < 0x10000) {
-    add(0xE0U | (code >> 12U));
-    add(0x80U | ((code >> 6U) & 0x3FU));
-    add(0x80U | (code & 0x3FU));
-  } else {
-    add(0xF0U | (code >> 18U));
-    add(0x80U | ((code >> 12U) & 0x3FU));
-    add(0x80U | ((code >> 6U) & 0x3FU));
-    add(0x80U | (code & 0x3FU));
-  }
+std::uint32_t CodeOf(wchar_t c) {
+  return static_cast<std::uint32_t>(static_cast<std::make_unsigned_t<wchar_t>>(c));
 }
 
 bool IsHigh(std::uint32_t code) { return code >= 0xD800 && code < 0xDC00; }
@@ -38,13 +26,14 @@ bool IsLow(std::uint32_t code) { return code >= 0xDC00 && code < 0xE000; }
 std::string Utf8FromWide(const std::wstring& wide) {
   std::string out;
   for (std::size_t i = 0; i < wide.size(); ++i) {
-    auto code = static_cast<std::uint32_t>(wide[i]);
-    const auto next = i + 1 < wide.size() ? static_cast<std::uint32_t>(wide[i + 1]) : 0U;
+    auto code = CodeOf(wide[i]);
+    const auto next = i + 1 < wide.size() ? CodeOf(wide[i + 1]) : 0U;
     if (sizeof(wchar_t) == 2 && IsHigh(code) && IsLow(next)) {
       code = 0x10000U + ((code - 0xD800U) << 10U) + (next - 0xDC00U);
       ++i;
     }
-    Append(IsHigh(code) || IsLow(code) || code > 0x10FFFF ? Replacement : code, &out);
+    const bool isCharacter = !IsHigh(code) && !IsLow(code) && code <= 0x10FFFF;
+    utf8::unchecked::append(isCharacter ? code : Replacement, std::back_inserter(out));
   }
   return out;
 }

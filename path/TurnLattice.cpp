@@ -163,7 +163,7 @@ void TurnLattice::ListTurns(std::size_t i, const Target& target, const PathState
     const double move = std::abs(deg + 360.0 * turn - fromDeg);
     list->turns.push_back(turn);
     list->cost.push_back(isTravel ? weight * move : move / speed);
-    list->isUnwind.push_back(move > HalfTurnDeg);
+    list->isUnwind.push_back(move > HalfTurnDeg ? 1 : 0);
   };
   double nearest = 0.0;
   const bool isSingle = IsSingle(i, target, from, &nearest, &list->nearest);

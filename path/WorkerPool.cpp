@@ -6,6 +6,7 @@
 namespace Orvo::Path {
 
 WorkerPool::WorkerPool(std::size_t workerNb) {
+  threads_.reserve(std::max<std::size_t>(workerNb, 1) - 1);
   try {
     for (std::size_t worker = 1; worker < workerNb; ++worker) {
       threads_.emplace_back([this, worker] { Serve(worker); });

@@ -22,9 +22,9 @@ LAYERS = {
     "io": {"geometry", "model", "io"},
 }
 
-# A second library, on top of the public headers alone: its folder, and the prefix of its own public
-# headers, which lie in its include/. Those may include what a public header may.
-SECOND_LAYERS = {"path": "Orvo/Path/"}
+# Libraries on top of the public headers alone, not of each other: the folder, and the prefix of its
+# own public headers, which lie in its include/. Those may include what a public header may.
+SECOND_LAYERS = {"path": "Orvo/Path/", "exchange": "Orvo/Exchange/"}
 
 # Users of the library: public headers, and headers that lie beside the source.
 # The plain computation can't be had from outside: the benchmarks reach for its switch.
@@ -34,8 +34,9 @@ USERS = ["tools", "examples", "benchmarks", "python", "viewer", "tests/interface
 # Headers of other projects, and the folders of the library that may include them.
 THIRD_PARTY = [
     (re.compile(r"tinyxml2\.h$"), {"io"}),
-    (re.compile(r"utf8(/.*|\.h)$"), {"io"}),
-    (re.compile(r"(nlohmann|fmt)/"), {"path"}),
+    (re.compile(r"utf8(/.*|\.h)$"), {"io", "path"}),
+    (re.compile(r"nlohmann/"), {"path", "exchange"}),
+    (re.compile(r"fmt/"), {"path"}),
     (re.compile(r"(CLI|gtest|gmock|benchmark)/"), set()),
 ]
 
@@ -43,8 +44,8 @@ THIRD_PARTY = [
 PUBLIC_EXTRAS = {"Orvo/Simd128.h": {"emmintrin.h", "simde/x86/sse2.h"}}
 
 # Sources whose text is checked: all code that people write here.
-CODE_FOLDERS = ["include", "geometry", "model", "compute", "io", "path", "tools", "examples", "tests", "cmake",
-                "scripts", "fuzz", "benchmarks", "python", "viewer", "packaging", ".ci"]
+CODE_FOLDERS = ["include", "geometry", "model", "compute", "io", "path", "exchange", "tools",
+                "examples", "tests", "cmake", "scripts", "fuzz", "benchmarks", "python", "viewer", "packaging", ".ci"]
 CODE_SUFFIXES = {".h", ".cpp", ".py", ".sh", ".cmake", ".in"}
 CODE_NAMES = {"CMakeLists.txt", "CMakePresets.json", "setup.sh", "test.sh", "demo.sh", "run"}
 
@@ -130,6 +131,8 @@ def check_second_include(root, layer, file, quote, name):
         good = not is_public and name.startswith(layer + "/") and (root / name).is_file()
         return None if good else f'{layer} may not include "{name}"'
     if name.startswith("Orvo/"):
+        if any(name.startswith(prefix) for other, prefix in SECOND_LAYERS.items() if other != layer):
+            return f"{layer} may not include <{name}>"
         return None if is_public_header(root, name) else f"<{name}> is no public header"
     for pattern, folders in THIRD_PARTY:
         if pattern.match(name) and (is_public or layer not in folders):

@@ -62,6 +62,11 @@ FILES = {
         '#include "geometry/Kernel.h"\n#include "path/Close.h"\n#include <Orvo/Path/Gone.h>\n'
         "int c = printf(text);\n",
         {"include-directions": [3, 4, 6], "output": [7]}),
+    "exchange/include/Orvo/Exchange/Door.h": ("#include <Orvo/Good.h>\n", {}),
+    "exchange/Beside.cpp": (
+        '#include <Orvo/Exchange/Door.h>\n#include <nlohmann/json.hpp>\n#include <Orvo/Path/Open.h>\n'
+        '#include "path/Close.h"\n#include <fmt/format.h>\n',
+        {"include-directions": [3, 4, 5]}),
     "model/Upward.cpp": ("#include <Orvo/Path/Open.h>\n#include <fmt/format.h>\n",
                          {"include-directions": [1, 2]}),
     "io/Text.cpp": ("// plain\n// gr\u00fcn\n", {"ascii": [2]}),

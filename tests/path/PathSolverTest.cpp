@@ -6,8 +6,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <bit>
 #include <cmath>
-#include <cstring>
+#include <cstdint>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -170,14 +172,18 @@ TEST(PathSolver, UnwindsWhereTheRangeEnds) {
   EXPECT_GE(greedy.summary.cost, optimal.summary.cost - 1e-6);
 }
 
+bool IsSameDouble(double a, double b) {
+  return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
+}
+
 bool IsSameBits(const SolvedPoint& a, const SolvedPoint& b) {
-  return std::memcmp(a.values.data(), b.values.data(), sizeof a.values) == 0 && a.cost == b.cost &&
-         a.residual.tip == b.residual.tip && a.tipDeviation == b.tipDeviation &&
+  return std::equal(a.values.begin(), a.values.end(), b.values.begin(), IsSameDouble) &&
+         a.cost == b.cost && a.residual.tip == b.residual.tip && a.tipDeviation == b.tipDeviation &&
          a.inverseTime == b.inverseTime && a.isHeld == b.isHeld && a.isInserted == b.isInserted;
 }
 
 // Threads, blocks and caches leave no trace in the results.
-TEST(PathSolver, GivesTheSameBitsHoweverItWorks) {
+TEST(PathSolverThreads, GiveTheSameBitsHoweverManyThereAre) {
   Kin::Machine machine = Trunnion();
   std::vector<ToolPoint> points = Spiral(997, 3.4, 0.5);
   for (int i = 300; i < 340; ++i) {
@@ -209,6 +215,37 @@ TEST(PathSolver, GivesTheSameBitsHoweverItWorks) {
       }
       EXPECT_EQ(solved.summary.cost, expected.summary.cost);
     }
+  }
+}
+
+// However far away the axes stand, the path is solved within the ranges; what is no number is said.
+TEST(PathSolver, TakesAnyStart) {
+  Kin::Machine machine = Trunnion();
+  const std::vector<ToolPoint> points = Spiral(50, 3.4, 0.5);
+  for (const PathChoice choice : {PathChoice::Greedy, PathChoice::Optimal}) {
+    PathOptions options;
+    options.choice = choice;
+    for (const double far : {1e7, -1e7, 1e12, -1e300}) {
+      SCOPED_TRACE(far);
+      Kin::MachinePosition start = ZeroOf(machine);
+      for (int r = 0; r < static_cast<int>(start.Size()); ++r) {
+        start[r] = far;
+      }
+      const Solved solved = Solve(machine, points, options, start);
+      EXPECT_EQ(solved.summary.solvedNb, points.size());
+      for (const SolvedPoint& point : solved.points) {
+        EXPECT_LT(point.residual.tip, 1e-9);
+        EXPECT_LT(point.residual.direction, 1e-12);
+      }
+      const MainAxes axes(machine, *machine.GetProgramSystem(0));
+      for (std::size_t k = 0; k < MainAxisNb; ++k) {
+        EXPECT_GE(solved.summary.smallest[k], axes.axes[k].min);
+        EXPECT_LE(solved.summary.largest[k], axes.axes[k].max);
+      }
+    }
+    Kin::MachinePosition start = ZeroOf(machine);
+    start[0] = std::nan("");
+    EXPECT_THROW(Solve(machine, points, options, start), std::invalid_argument);
   }
 }
 

@@ -1,6 +1,7 @@
 #include "CheckCommand.h"
 #include "Command.h"
 #include "CompletionCommand.h"
+#include "ConvertCommand.h"
 #include "ExplainCommand.h"
 #include "Failure.h"
 #include "FkCommand.h"
@@ -43,6 +44,7 @@ const std::vector<CommandEntry>& Commands() {
       {"explain", "say why a point has no answer, and by how much", OrvoTool::AddExplainCommand},
       {"solve", "turn a tool path into axis values", OrvoTool::AddSolveCommand},
       {"check", "hold axis values against ranges, speeds and the path", OrvoTool::AddCheckCommand},
+      {"convert", "write a machine in another format", OrvoTool::AddConvertCommand},
       {"vectors", "write and verify golden vectors of a machine", OrvoTool::AddVectorsCommand},
       {"new", "write the machine file of a common kind of machine", OrvoTool::AddNewCommand},
       {"completion", "", OrvoTool::AddCompletionCommand},

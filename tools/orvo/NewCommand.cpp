@@ -199,8 +199,8 @@ CommandAction AddNewCommand(CLI::App* command) {
         ->type_name("MIN,MAX");
   }
   const char* const meanings[] = {
-      "the distance of the tilting axis from the face of the table, or from the spindle's gauge "
-      "point",
+      ("the distance of the tilting axis from the face of the table, or from the spindle's gauge "
+       "point"),
       "how far the tilting axis stands beside the turning one",
       "the angle between the nutating axis and the turning one"};
   std::size_t i = 0;

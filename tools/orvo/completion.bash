@@ -13,7 +13,7 @@ _orvo() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD-1]}
     COMPREPLY=()
     if ((COMP_CWORD == 1)); then
-        _orvo_words "info validate fk ik explain solve check vectors new completion --help --version"
+        _orvo_words "info validate fk ik explain solve check convert vectors new completion --help --version"
         return
     fi
     case ${COMP_WORDS[1]} in
@@ -134,6 +134,18 @@ _orvo() {
                 _orvo_words "-h --help --path -p --program-system --offset --shift --start --from --axes-from --tolerance --angle-tolerance --range-tolerance --speed --feed --singular --format --color"
             else
                 _orvo_files
+            fi
+            ;;
+        convert)
+            case $previous in
+                --from) _orvo_words "xml json"; return ;;
+                --to) _orvo_words "xml json glb gltf urdf dot"; return ;;
+                --animate) return ;;
+                --seconds) return ;;
+                --unit) return ;;
+            esac
+            if [[ $current == -* ]]; then
+                _orvo_words "-h --help --from --to --animate --seconds --unit --no-meshes"
             fi
             ;;
         vectors)

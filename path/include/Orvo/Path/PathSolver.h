@@ -44,9 +44,10 @@ class ORVO_PATH_API PathSolver {
   /// @param programSystem  one of its program systems
   /// @param offset         the tool point lies at minus this in the head's frame: (0, 0, L) for a
   ///   tool of the length L
-  /// @param start          where the axes stand before the first point
+  /// @param start          where the axes stand before the first point; a rotary axis more than a
+  ///   million degrees out of its range counts as that far out
   /// @param options        how to solve
-  /// @throws std::invalid_argument for options that hold what can't be computed with
+  /// @throws std::invalid_argument for options or a start that hold what can't be computed with
   PathSolver(const Kin::Machine& machine, const Kin::ProgramSystem& programSystem,
              const Vector3D& offset, const Kin::MachinePosition& start, const PathOptions& options);
 
