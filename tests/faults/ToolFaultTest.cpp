@@ -134,7 +134,10 @@ class ToolFaults : public testing::Test {
 #else
     const std::size_t step = std::max<std::size_t>(1, callNb / 300);
 #endif
-    EXPECT_GT(callNb, 0U);
+    // Not every command reads a file, or writes both a file and to the standard output; these two
+    // do between them.
+    const std::string name = command.name;
+    EXPECT_TRUE(callNb > 0 || (name != "orvo info" && name != "orvo solve"));
     for (std::size_t place = 0; place < callNb && !HasFailure();
          place += place < 20 || place + 20 > callNb ? 1 : step) {
       SCOPED_TRACE(command.name + (", " + fault.Name()) + ", call " + std::to_string(place));
