@@ -276,6 +276,24 @@ TEST(Validate, MeshFilesAreLookedFor) {
       << "nobody knows where those of the standard input are";
 }
 
+// A machine in JSON is judged as well; what its reader refuses has a place.
+TEST(Validate, MachinesInJsonAreJudged) {
+  const ToolRun tool;
+  tool.Write("machine.xml", Sound());
+  ASSERT_EQ(tool.Shell("\"$ORVO\" convert machine.xml machine.json").status, 0);
+  EXPECT_EQ(tool.Run({"validate", "--strict", tool.File("machine.json")}).status, 0);
+  EXPECT_EQ(tool.Shell("\"$ORVO\" ik machine.json 1,2,50 0,0,1 --format json | tail -n +3").out,
+            tool.Shell("\"$ORVO\" ik machine.xml 1,2,50 0,0,1 --format json | tail -n +3").out);
+  tool.Write("faulty.xml", Replace(Sound(), "<Name>X", "<RangeMin>-400", "<RangeMin>401"));
+  ASSERT_EQ(tool.Shell("\"$ORVO\" convert faulty.xml faulty.json").status, 0);
+  const ToolResult faulty = tool.Run({"validate", tool.File("faulty.json")});
+  EXPECT_EQ(faulty.status, 3);
+  EXPECT_THAT(faulty.out, HasSubstr("faulty.json: error V212 range-reversed: X (id 5)"));
+  const ToolResult broken = tool.Run({"validate", tool.Write("broken.JSON", "{\n oops }")});
+  EXPECT_EQ(broken.status, 2);
+  EXPECT_THAT(broken.err, HasSubstr("broken.JSON:2:"));
+}
+
 // The machines that come with the project are sound.
 TEST(Validate, ExamplesAreSound) {
   const ToolRun tool;

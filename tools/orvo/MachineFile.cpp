@@ -5,11 +5,16 @@
 #include "StandardInput.h"
 #include "WideText.h"
 
+#include <Orvo/Exchange/ExchangeError.h>
+#include <Orvo/Exchange/MachineJson.h>
+
+#include <algorithm>
 #include <cerrno>
 #include <fstream>
 #include <new>
 #include <optional>
 #include <stdexcept>
+#include <string_view>
 #include <system_error>
 
 namespace OrvoTool {
@@ -63,6 +68,16 @@ void CheckMachineFile(const std::string& name) {
   }
 }
 
+bool IsJsonMachine(const std::string& name) {
+  constexpr std::string_view Suffix = ".json";
+  if (name.size() < Suffix.size()) {
+    return false;
+  }
+  const std::string_view end = std::string_view(name).substr(name.size() - Suffix.size());
+  return std::equal(end.begin(), end.end(), Suffix.begin(),
+                    [](char a, char b) { return (a >= 'A' && a <= 'Z' ? a - 'A' + 'a' : a) == b; });
+}
+
 void ReadMachine(const std::string& name, Orvo::Kin::Machine* machine) {
   const std::string shown = ShownInput(name);
   if (IsStandardStream(name)) {
@@ -71,6 +86,16 @@ void ReadMachine(const std::string& name, Orvo::Kin::Machine* machine) {
     return;
   }
   CheckMachineFile(name);
+  if (IsJsonMachine(name)) {
+    Orvo::Exchange::JsonReadOptions options;
+    options.largestSize = MaxMachineFileBytes;
+    try {
+      Orvo::Exchange::ReadMachineJsonFile(FileFromUtf8(name), machine, options);
+    } catch (const Orvo::Exchange::ExchangeError& error) {
+      throw Failure(ExitCode::Unreadable, Printable(error.what()));
+    }
+    return;
+  }
   ReadNamedMachine(name, shown, machine);
 }
 

@@ -11,9 +11,14 @@ namespace OrvoTool {
 /// No machine file is larger, in bytes.
 constexpr std::uintmax_t MaxMachineFileBytes = 256ULL << 20U;
 
+/// Tells whether a file's name, by its suffix .json in either case, is that of a machine in JSON.
+bool IsJsonMachine(const std::string& name);
+
 /// Reads a machine file, without its meshes. The machine may turn out not to be valid.
 ///
-/// @param name  the file's name in UTF-8; "-" for the standard input
+/// @param name  the file's name in UTF-8, see IsJsonMachine(); "-" for a machine file (XML) from
+/// the
+///   standard input
 /// @throws Failure naming the file and, where the fault can be found, its line and column
 void ReadMachine(const std::string& name, Orvo::Kin::Machine* machine);
 

@@ -197,11 +197,51 @@ void CheckByLibrary(const std::string& name, const std::string& bytes,
   }
 }
 
+/// Looks at a machine in JSON. Its reader refuses what it does not know, with the place; what it
+/// takes is looked at in the form of a machine file, where places mean nothing.
+void ValidateJson(const std::string& name, MachineValidation* validation) {
+  Orvo::Kin::Machine machine;
+  ReadMachine(name, &machine);
+  validation->isMachineFile = true;
+  const SpooledInput spooled(".xml", std::string());
+  const std::optional<std::wstring> wide = WideFromUtf8(spooled.GetName());
+  if (!wide || !machine.WriteXML(*wide)) {
+    throw Failure(ExitCode::Unreadable, "orvo: a temporary file can't be written");
+  }
+  const std::string bytes = ReadBytes(spooled.GetName());
+  const XmlOutline outline(bytes);
+  MachineFindings found;
+  const std::optional<FileMachine> file =
+      outline.IsWellFormed() ? ReadFileMachine(outline, &found) : std::nullopt;
+  if (file) {
+    CheckElements(*file, &found);
+    CheckProgramSystems(*file, &found);
+  }
+  for (MachineFinding finding : found.GetAll()) {
+    finding.place = Whole;
+    validation->findings.Add(finding);
+  }
+  if (validation->findings.GetErrorNb() > 0) {
+    return;
+  }
+  if (!machine.IsFinished()) {
+    validation->findings.Add(
+        FindingCode::NotValidByLibrary, Whole,
+        std::string("the machine is ") + DescribeVerdict(machine.GetLastError()));
+  } else if (static_cast<std::size_t>(machine.GetEntityNb()) <= MaxPreparedElements) {
+    PrepareProgramSystems(machine, &validation->findings);
+  }
+}
+
 }  // namespace
 
 MachineValidation ValidateMachineFile(const std::string& name) {
   MachineValidation validation;
   MachineFindings* findings = &validation.findings;
+  if (IsJsonMachine(name)) {
+    ValidateJson(name, &validation);
+    return validation;
+  }
   const std::string bytes = ReadBytes(name);
   const XmlOutline outline(bytes);
   if (!outline.IsWellFormed()) {

@@ -47,7 +47,9 @@ void AddOutputOptions(CLI::App* command, OutputChoice* choice,
 
 CLI::Option* AddMachineArgument(CLI::App* command, std::string* machine) {
   return command
-      ->add_option("MACHINE", *machine, "the machine file; '-' reads it from the standard input")
+      ->add_option("MACHINE", *machine,
+                   "the machine file, or a machine in JSON (.json); '-' reads the former from the "
+                   "standard input")
       ->required()
       ->type_name("FILE");
 }
