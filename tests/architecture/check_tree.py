@@ -34,7 +34,7 @@ USERS = ["tools", "examples", "benchmarks", "python", "viewer", "tests/interface
 # Headers of other projects, and the folders of the library that may include them.
 THIRD_PARTY = [
     (re.compile(r"tinyxml2\.h$"), {"io"}),
-    (re.compile(r"utf8(/.*|\.h)$"), {"io", "path"}),
+    (re.compile(r"utf8(/.*|\.h)$"), {"io", "path", "exchange"}),
     (re.compile(r"nlohmann/"), {"path", "exchange"}),
     (re.compile(r"fmt/"), {"path"}),
     (re.compile(r"(CLI|gtest|gmock|benchmark)/"), set()),

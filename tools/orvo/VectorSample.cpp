@@ -21,9 +21,6 @@ using Orvo::Matrix43;
 using Orvo::Vector3D;
 using Orvo::Kin::Register;
 
-/// The first samples are not drawn: all axes at 0, at their lower and at their upper limits.
-constexpr int GivenSamples = 3;
-
 /// How far axes without limits go to either side, in degrees and in the machine's unit of length.
 constexpr double FreeTurnDeg = 180.0;
 constexpr double FreeTravel = 1000.0;
@@ -84,6 +81,7 @@ std::string VectorSampler::GetShape() const {
 std::vector<double> VectorSampler::MakeAxes(int sample, std::uint64_t seed) const {
   std::uint64_t state = seed ^ (static_cast<std::uint64_t>(sample) << 32U);
   std::vector<double> axes(static_cast<std::size_t>(machine_.GetRegisterNb().GetVal()));
+  // The first samples are not drawn: all axes at 0, at their lower and at their upper limits.
   for (std::size_t r = 0; r < axes.size(); ++r) {
     const double share = NextShare(&state);
     const Orvo::Kin::Entity* const entity =
