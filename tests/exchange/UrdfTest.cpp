@@ -195,8 +195,8 @@ TEST(Urdf, TurnsRangesIntoLimits) {
         "lower=\"-1000\" upper=\"1000\"", "<joint name=\"turn_joint\" type=\"revolute\">",
         "lower=\"-1.5707963267948966\" upper=\"3.141592653589793\"",
         "<joint name=\"endless_joint\" type=\"continuous\">",
-        "<limit effort=\"1000\" velocity=\"1\"/>\n"
-        "    <mimic joint=\"turn_joint\" multiplier=\"1\" offset=\"0\"/>",
+        R"(<limit effort="1000" velocity="1"/>
+    <mimic joint="turn_joint" multiplier="1" offset="0"/>)",
         "<mimic joint=\"turn_joint\" multiplier=\"0.0572957795130823"}) {
     EXPECT_THAT(text, HasSubstr(part));
   }
