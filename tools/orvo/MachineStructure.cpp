@@ -3,6 +3,8 @@
 #include "FileForest.h"
 #include "NumberText.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -436,7 +438,7 @@ class SystemCheck {
     for (std::size_t other = 0; other < place; ++other) {
       if (system.registers[other].isGood && system.registers[other].value == reg.value) {
         Add(FindingCode::AxisNamedTwice, reg.place,
-            number + " is named as the " + names[other] + " axis and as the " + what);
+            fmt::format("{} is named as the {} axis and as the {}", number, names[other], what));
         return FileForest::None;
       }
     }

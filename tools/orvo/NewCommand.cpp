@@ -13,6 +13,7 @@
 #include "WideText.h"
 
 #include <CLI/CLI.hpp>
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <cmath>
@@ -103,7 +104,8 @@ TemplateValues ReadValues(const MachineTemplate& kind, const NewOptions& options
       throw UsageFailure(option + ": '" + Printable(text) + "' " + DescribeFault(fault));
     }
     if (name == "angle" && !(value > 0.0 && value <= 90.0)) {
-      throw UsageFailure(option + ": an angle above 0 and up to 90 degrees is needed, not " + text);
+      throw UsageFailure(
+          fmt::format("{}: an angle above 0 and up to 90 degrees is needed, not {}", option, text));
     }
     values.dimensions[name] = value;
   }

@@ -29,6 +29,7 @@ const char* GetWord(OutputFormat format) {
 void AddOutputOptions(CLI::App* command, OutputChoice* choice,
                       const std::vector<OutputFormat>& formats) {
   std::vector<std::pair<std::string, OutputFormat>> words;
+  words.reserve(formats.size());
   for (const OutputFormat format : formats) {
     words.emplace_back(GetWord(format), format);
   }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <string>
 
@@ -77,7 +78,7 @@ void Progress::Show(std::uint64_t doneNb, double share) {
         "  " + std::to_string(static_cast<long long>(static_cast<double>(doneNb) / seconds)) + "/s";
     const double left = share > 0.0 ? seconds * (1.0 - std::min(share, 1.0)) / share : -1.0;
     if (left >= 0.0 && left < MaxSecondsLeft) {
-      line += "  " + Clock(static_cast<std::int64_t>(left + 0.5)) + " left";
+      line += "  " + Clock(std::lround(left)) + " left";
     }
   }
   const std::size_t width = std::max(shownWidth_, line.size());
