@@ -30,7 +30,6 @@ fi
 
 gcovr --root . --object-directory "$build" \
   --filter 'geometry/' --filter 'model/' --filter 'io/' --filter 'compute/' \
-  --filter 'path/' \
   --exclude-throw-branches --exclude-unreachable-branches \
   --html-details "$build/coverage.html" --txt "$build/lines.txt" --print-summary \
   --fail-under-line 98 --fail-under-branch 90 "$build" >"$build/summary.txt" || {
