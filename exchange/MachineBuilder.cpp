@@ -280,8 +280,9 @@ void MachineBuilder::SetCollisionCheck(const JsonTape& tape) {
     if (members[i + 1] == 0) {
       continue;
     }
+    const Set set = sets[i];
     for (const std::size_t item : tape.Items(members[i + 1])) {
-      (check.*sets[i])(tape.ReadInt(item, SmallestInt, LargestInt), true);
+      (check.*set)(tape.ReadInt(item, SmallestInt, LargestInt), true);
     }
   }
 }
