@@ -5,7 +5,8 @@
 #   ./setup.sh          to build the library and the program, and to run the tests
 #   ./setup.sh --ci     also what only the continuous integration needs: a second compiler, sanitizer
 #                       runtimes, valgrind, formatters, coverage reports, the compiler cache, the
-#                       compilers and emulators of --cross, and the tools of Debian packages
+#                       compilers and emulators of --cross, the tools of Debian packages, and other
+#                       systems that read what is written here
 #   ./setup.sh --cross  also what building and testing for ARM64 and for Windows need, with the source
 #                       of tinyxml2 in /usr/local/src
 #   ./setup.sh --benchmarks   also the other systems that the benchmarks compare with
@@ -15,10 +16,13 @@ set -eu
 packages="
   cmake ninja-build g++ pkg-config python3
   libtinyxml2-dev libutfcpp-dev libcli11-dev libgtest-dev libgmock-dev
+  nlohmann-json3-dev libfmt-dev
 "
 ci_packages="
   git clang-14 clang libclang-rt-14-dev llvm-14 valgrind clang-format-14 cmake-format gcovr ccache
   libbenchmark-dev libeigen3-dev doxygen clang-tidy-14 abigail-tools lintian debootstrap
+  help2man groff-base
+  liborocos-kdl-dev libkdl-parser-dev libassimp-dev liburdfdom-tools
 "
 # dpkg-dev unpacks sources; libgtest-dev holds the source of GoogleTest already.
 cross_packages="
@@ -36,6 +40,8 @@ for argument in "$@"; do
   case "$argument" in
     --ci)
       packages="$packages $ci_packages $cross_packages"
+      # Not beside a Node.js of another source, which brings its own.
+      command -v npm >/dev/null 2>&1 || packages="$packages nodejs npm"
       cross=yes
       ;;
     --cross)

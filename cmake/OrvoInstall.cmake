@@ -20,6 +20,34 @@ install(
   COMPONENT development
   FILES_MATCHING
   PATTERN "*.h")
+if(TARGET orvo_path)
+  install(
+    TARGETS orvo_path
+    EXPORT OrvoTargets
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+            COMPONENT runtime
+            NAMELINK_COMPONENT development
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
+  install(
+    DIRECTORY ${PROJECT_SOURCE_DIR}/path/include/Orvo
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+    COMPONENT development)
+endif()
+if(TARGET orvo_exchange)
+  install(
+    TARGETS orvo_exchange
+    EXPORT OrvoTargets
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+            COMPONENT runtime
+            NAMELINK_COMPONENT development
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
+  install(
+    DIRECTORY ${PROJECT_SOURCE_DIR}/exchange/include/Orvo
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+    COMPONENT development)
+endif()
 install(
   EXPORT OrvoTargets
   NAMESPACE Orvo::

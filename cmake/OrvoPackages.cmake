@@ -30,7 +30,8 @@ if(CMAKE_SYSTEM_PROCESSOR STREQUAL "aarch64")
   set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE arm64)
 endif()
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR})
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR} ${PROJECT_BINARY_DIR}/path
+                                                ${PROJECT_BINARY_DIR}/exchange)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${runtime_package})
@@ -64,8 +65,11 @@ axis values.")
 # What Debian wants of every package: its license, and a changelog of its own.
 find_program(gzip gzip REQUIRED)
 mark_as_advanced(gzip)
-file(WRITE ${packaging}/shlibs
-     "liborvo ${PROJECT_VERSION_MAJOR} ${runtime_package} (>= ${PROJECT_VERSION})\n")
+file(WRITE ${packaging}/shlibs "")
+foreach(library liborvo liborvo-path liborvo-exchange)
+  file(APPEND ${packaging}/shlibs
+       "${library} ${PROJECT_VERSION_MAJOR} ${runtime_package} (>= ${PROJECT_VERSION})\n")
+endforeach()
 foreach(component runtime development tools)
   string(TOUPPER ${component} name)
   set(package ${CPACK_DEBIAN_${name}_PACKAGE_NAME})
@@ -77,10 +81,34 @@ foreach(component runtime development tools)
     DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${package}
     COMPONENT ${component})
 endforeach()
-execute_process(COMMAND ${gzip} -9nc ${PROJECT_SOURCE_DIR}/packaging/orvo.1
-                OUTPUT_FILE ${packaging}/orvo.1.gz COMMAND_ERROR_IS_FATAL ANY)
+
+# The manual pages come from the program's help, one for each command, where help2man is there and
+# the program runs here; else there is the short one.
+find_program(help2man help2man)
+mark_as_advanced(help2man)
+set(ORVO_MAN_PAGES_DEFAULT OFF)
+if(help2man AND NOT CMAKE_CROSSCOMPILING)
+  set(ORVO_MAN_PAGES_DEFAULT ON)
+endif()
+option(ORVO_BUILD_MAN_PAGES "Make the manual pages out of the program's help (needs help2man)"
+       ${ORVO_MAN_PAGES_DEFAULT})
+if(ORVO_BUILD_MAN_PAGES)
+  add_custom_command(
+    OUTPUT ${packaging}/man/orvo.1.gz
+    COMMAND ${CMAKE_COMMAND} -E rm -rf ${packaging}/man
+    COMMAND ${PROJECT_SOURCE_DIR}/scripts/man-pages.sh $<TARGET_FILE:orvo_tool> ${packaging}/man
+    COMMAND ${gzip} -9nr ${packaging}/man
+    DEPENDS orvo_tool ${PROJECT_SOURCE_DIR}/scripts/man-pages.sh
+    COMMENT "Making the manual pages"
+    VERBATIM)
+  add_custom_target(orvo_man ALL DEPENDS ${packaging}/man/orvo.1.gz)
+else()
+  file(MAKE_DIRECTORY ${packaging}/man)
+  execute_process(COMMAND ${gzip} -9nc ${PROJECT_SOURCE_DIR}/packaging/orvo.1
+                  OUTPUT_FILE ${packaging}/man/orvo.1.gz COMMAND_ERROR_IS_FATAL ANY)
+endif()
 install(
-  FILES ${packaging}/orvo.1.gz
+  DIRECTORY ${packaging}/man/
   DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
   COMPONENT tools)
 

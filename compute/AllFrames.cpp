@@ -19,95 +19,59 @@ std::optional<std::size_t> PlaceOf(const Entity* entity, std::size_t frameNb) {
   return place < frameNb ? std::optional(place) : std::nullopt;
 }
 
-bool HasExactUnitAxes(const TypedFrame& frame) {
-  return std::equal(frame.elements, frame.elements + 12, IdentityFrame, IsSameValue);
+// An identity is not written onto another one, as everywhere.
+void WriteIdentity(Matrix43* frame) {
+  if (FrameAccess::Type(*frame) != Matrix43::Identity) {
+    CopyFrame(IdentityFrame, FrameAccess::Elements(frame));
+    FrameAccess::SetType(frame, Matrix43::Identity);
+  }
 }
-
-// Products of two frames, written to two places, with half a column or a whole one to a register.
-struct Narrow {
-  static void Multiply(ProductRule rule, const double* a, const double* b, double* product,
-                       double* copy) {
-    MultiplyFrames(rule, a, b, product);
-    CopyFrame(product, copy);
-  }
-  static void Copy(const double* m, double* copy) { CopyFrame(m, copy); }
-};
-
-#ifdef ORVO_WIDE
-struct Wide {
-  ORVO_WIDE static void Multiply(ProductRule rule, const double* a, const double* b,
-                                 double* product, double* copy) {
-    MultiplyFramesWide(rule, a, b, product, copy);
-  }
-  ORVO_WIDE static void Copy(const double* m, double* copy) { CopyFrameWide(m, copy); }
-};
-#endif
 
 }  // namespace
 
 bool AllFrames::Build(const std::vector<const Entity*>& entities, std::size_t frameNb) {
   *this = AllFrames();
-  // The first one stands for the world; the addresses of all stay as they are.
-  elements_.reserve(entities.size() + 1);
-  elements_.emplace_back();
-  CopyFrame(IdentityFrame, elements_.front().world);
-  elements_.front().product.type = Matrix43::Identity;
-  std::vector<const Element*> elementAt(frameNb, nullptr);
+  frameNb_ = frameNb;
+  // The addresses of all stay as they are.
+  links_.reserve(entities.size());
+  steps_.reserve(entities.size() + 1);
+  steps_.emplace_back().product.type = Matrix43::Identity;
+  std::vector<const Step*> stepAt(frameNb, nullptr);
   for (const Entity* entity : entities) {
-    Element element;
-    if (!element.link.TakeDown(*entity)) {
+    KeptLink link;
+    if (!link.TakeDown(*entity) || !HasExactFourthRow(link.Frame())) {
       return false;
     }
-    const auto reg = static_cast<std::size_t>(element.link.Reg());
-    if (element.link.IsAxis()) {
+    const auto reg = static_cast<std::size_t>(link.Reg());
+    if (link.IsAxis()) {
       registerBound_ = std::max(registerBound_, reg + 1);
     }
     const std::optional<std::size_t> place = PlaceOf(entity, frameNb);
     if (!place) {
       continue;
     }
-    element.place = *place;
+    links_.push_back(std::move(link));
+    KeptLink& kept = links_.back();
+    if (kept.IsAxis()) {
+      (kept.IsRotary() ? rotaryAxes_ : linearAxes_).push_back({reg, 0.0, &kept});
+    }
     const std::optional<std::size_t> parentPlace = PlaceOf(entity->GetParentEntity(), frameNb);
-    element.parent = parentPlace ? elementAt[*parentPlace] : elements_.data();
-    if (element.parent == nullptr) {
+    Step& step = steps_.emplace_back();
+    step.parent = parentPlace ? stepAt[*parentPlace] : steps_.data();
+    step.link = &kept;
+    step.place = *place;
+    if (step.parent == nullptr) {
       return false;
     }
-    if (element.link.IsAxis()) {
-      axes_.push_back({reg, elements_.data() + elements_.size(), 0.0});
-    }
-    elements_.push_back(std::move(element));
-    elementAt[elements_.back().place] = &elements_.back();
+    stepAt[step.place] = &step;
   }
   return true;
 }
 
-// The kinds of all frames are known before their numbers are; they change when a rotary axis comes
-// to stand at 0, or leaves it. Products of exact unit axes need not be computed.
-void AllFrames::FindProducts() {
-  areKindsKnown_ = true;
-  for (std::size_t i = 1; i < elements_.size(); ++i) {
-    Element& element = elements_[i];
-    const KeptLink& link = element.link;
-    const Element& parent = *element.parent;
-    const Matrix43::Type linkType = link.Frame().type;
-    element.product = KindOfProduct(parent.product.type, linkType);
-    const bool isShift = linkType == Matrix43::Translation && HasExactUnitAxes(link.Frame());
-    if (isShift && parent.isShifted && element.product.rule == ProductRule::Affine) {
-      element.product.rule = ProductRule::LeftMoved;
-    }
-    element.isShifted =
-        linkType == Matrix43::Identity
-            ? parent.isShifted
-            : isShift && (parent.isShifted || parent.product.type == Matrix43::Identity);
-  }
-}
-
 void AllFrames::Compute(const double* values, Matrix43* frames) {
-  ++callNb_;
   SetAxisValues(values);
   if (!areKindsKnown_) {
     FindProducts();
-    elements_.front().callNb = callNb_;
   }
 #ifdef ORVO_WIDE
   if (isWide_) {
@@ -115,54 +79,86 @@ void AllFrames::Compute(const double* values, Matrix43* frames) {
     return;
   }
 #endif
-  Multiply<Narrow>(frames);
+  Multiply(frames);
 }
 
 inline void AllFrames::SetAxisValues(const double* values) {
-  for (Axis& axis : axes_) {
+  for (Axis& axis : linearAxes_) {
     const double value = values[axis.reg];
     if (!IsSameValue(value, axis.value)) {
       axis.value = value;
-      axis.element->callNb = callNb_;
-      KeptLink& link = axis.element->link;
-      const Matrix43::Type typeBefore = link.Frame().type;
-      link.SetAxisValue(value);
-      areKindsKnown_ = areKindsKnown_ && link.Frame().type == typeBefore;
+      axis.link->SetTravel(value);
+    }
+  }
+  for (Axis& axis : rotaryAxes_) {
+    const double value = values[axis.reg];
+    if (!IsSameValue(value, axis.value)) {
+      axis.value = value;
+      const Matrix43::Type typeBefore = axis.link->Frame().type;
+      axis.link->SetTurn(value);
+      areKindsKnown_ = areKindsKnown_ && axis.link->Frame().type == typeBefore;
     }
   }
 }
 
-// Goes down from the elements whose links changed, from the world after a change of kinds, and only
-// copies the other frames.
-template <typename Width>
-inline void AllFrames::Multiply(Matrix43* frames) {
-  const std::uint64_t callNb = callNb_;
-  Element* const end = elements_.data() + elements_.size();
-  for (Element* element = elements_.data() + 1; element != end; ++element) {
-    Matrix43& frame = frames[element->place];
+// The kinds of all frames are known before their numbers are; they change when a rotary axis comes
+// to stand at 0, or leaves it. Products of exact unit axes need not be computed.
+void AllFrames::FindProducts() {
+  areKindsKnown_ = true;
+  for (std::size_t i = 1; i < steps_.size(); ++i) {
+    Step& step = steps_[i];
+    const Step& parent = *step.parent;
+    const Matrix43::Type linkType = step.link->Frame().type;
+    step.product = KindOfProduct(parent.product.type, linkType);
+    const bool isShift = linkType == Matrix43::Translation && HasExactUnitAxes(step.link->Frame());
+    if (step.product.rule == ProductRule::Affine) {
+      step.product.rule =
+          isShift && parent.isShifted ? ProductRule::LeftMoved : step.link->AffineRule();
+    }
+    step.isNextInChain = step.parent == &step - 1 && step.product.type != Matrix43::Identity;
+    step.isShifted =
+        linkType == Matrix43::Identity
+            ? parent.isShifted
+            : isShift && (parent.isShifted || parent.product.type == Matrix43::Identity);
+  }
+}
+
+// Parents are read where they were written to; identities are not read.
+void AllFrames::Multiply(Matrix43* frames) const {
+  const Step* const end = steps_.data() + steps_.size();
+  for (const Step* step = steps_.data() + 1; step != end; ++step) {
+    Matrix43& frame = frames[step->place];
     double* const m = FrameAccess::Elements(&frame);
-    const ProductKind product = element->product;
-    const bool hasChanged = element->callNb == callNb || element->parent->callNb == callNb;
-    if (hasChanged) {
-      element->callNb = callNb;
+    if (step->product.type == Matrix43::Identity) {
+      WriteIdentity(&frame);
+      continue;
     }
-    if (product.type == Matrix43::Identity) {
-      // Not written onto an identity, as everywhere.
-      if (FrameAccess::Type(frame) != Matrix43::Identity) {
-        Width::Copy(IdentityFrame, m);
-      }
-    } else if (hasChanged) {
-      Width::Multiply(product.rule, element->parent->world, element->link.Frame().elements,
-                      element->world, m);
-    } else {
-      Width::Copy(element->world, m);
-    }
-    FrameAccess::SetType(&frame, product.type);
+    MultiplyFrames(step->product.rule, FrameAccess::Elements(frames[step->parent->place]),
+                   step->link->Frame().elements, m);
+    FrameAccess::SetType(&frame, step->product.type);
   }
 }
 
 #ifdef ORVO_WIDE
-ORVO_WIDE void AllFrames::MultiplyWide(Matrix43* frames) { Multiply<Wide>(frames); }
+// The same, with the frame of the step before in registers: it mostly is the parent.
+ORVO_WIDE void AllFrames::MultiplyWide(Matrix43* frames) const {
+  WideFrame world = LoadWide(IdentityFrame);
+  const Step* const end = steps_.data() + steps_.size();
+  for (const Step* step = steps_.data() + 1; step != end; ++step) {
+    Matrix43& frame = frames[step->place];
+    double* const m = FrameAccess::Elements(&frame);
+    if (!step->isNextInChain) {
+      if (step->product.type == Matrix43::Identity) {
+        WriteIdentity(&frame);
+        continue;
+      }
+      world = LoadWide(FrameAccess::Elements(std::as_const(frames[step->parent->place])));
+    }
+    world = MultiplyFrameWide(step->product.rule, world, step->link->Frame().elements);
+    StoreWide(world, m);
+    FrameAccess::SetType(&frame, step->product.type);
+  }
+}
 #endif
 
 }  // namespace Orvo::Kin

@@ -7,13 +7,12 @@
 #include <Orvo/Matrix43.h>
 
 #include <cstddef>
-#include <cstdint>
 #include <vector>
 
 namespace Orvo::Kin {
 
-/// The world frames of all elements, with what of their links is kept from one set of axis values
-/// to the next. Bit for bit what ComputePositionMachine computes link by link.
+/// The world frames of all elements, with the frames of their links kept from one set of axis
+/// values to the next. Bit for bit what ComputePositionMachine computes link by link.
 class AllFrames {
  public:
   /// Takes down elements, parents first. Returns false for a link that only the general computation
@@ -23,42 +22,40 @@ class AllFrames {
   /// The smallest size of a position that has all registers of the elements.
   std::size_t RegisterBound() const { return registerBound_; }
 
+  std::size_t FrameNb() const { return frameNb_; }
+
   /// Writes the frames for axis values by register, each at the place of its element's id.
   void Compute(const double* values, Matrix43* frames);
 
  private:
-  /// An element with a place among the frames.
-  struct alignas(32) Element {
-    double world[16] = {};
-    KeptLink link;
+  /// How the frame of an element comes about from its parent's and its link's, and its kind.
+  struct Step {
+    const Step* parent = nullptr;  // before this one
+    const KeptLink* link = nullptr;
     std::size_t place = 0;
-    const Element* parent = nullptr;  // among the same elements, before this one
-
-    // How the frame comes about, and its kind.
     ProductKind product{};
-    bool isShifted = false;  // a Translation, with exact unit axes; or products of such
-
-    // The call that computed the frame last.
-    std::uint64_t callNb = 0;
+    bool isShifted = false;      // a Translation, with exact unit axes; or products of such
+    bool isNextInChain = false;  // the step before is the parent, and the frame no identity
   };
 
-  /// An axis among the elements, with the value that its link is computed for.
+  /// An axis, with the value that its link is computed for.
   struct Axis {
     std::size_t reg;
-    Element* element;
     double value;
+    KeptLink* link;
   };
 
-  void FindProducts();
   void SetAxisValues(const double* values);
-  template <typename Width>
-  void Multiply(Matrix43* frames);
-  void MultiplyWide(Matrix43* frames);
+  void FindProducts();
+  void Multiply(Matrix43* frames) const;
+  void MultiplyWide(Matrix43* frames) const;
 
-  std::vector<Element> elements_;
-  std::vector<Axis> axes_;
+  std::vector<KeptLink> links_;
+  std::vector<Axis> linearAxes_;
+  std::vector<Axis> rotaryAxes_;
+  std::vector<Step> steps_;  // after one that stands for the world
+  std::size_t frameNb_ = 0;
   std::size_t registerBound_ = 0;
-  std::uint64_t callNb_ = 0;
   bool areKindsKnown_ = false;
   bool isWide_ = HasWideLanes();
 };

@@ -80,6 +80,23 @@ bool MachineCompute::ComputePositionMachine(const MachinePosition& pos,
                                             std::vector<Matrix43>* frames) {
   MachineComputeImplementation& record = *implementation_;
   const Machine& machine = *record.machine;
+  KeptResults* const kept = record.kept.Current(machine.kinematic_);
+  if (machine.finished_ && frames != nullptr && kept != nullptr) {
+    const std::vector<double>& values = PositionAccess::Values(pos);
+    AllFrames* const all = kept->frames.Find({}, values.size());
+    if (all != nullptr && frames->size() == all->FrameNb()) {
+      all->Compute(values.data(), frames->data());
+      return true;
+    }
+  }
+  return ComputeAllFramesAnew(pos, frames);
+}
+
+// With all that can fail, and what may be kept of it for the next call.
+bool MachineCompute::ComputeAllFramesAnew(const MachinePosition& pos,
+                                          std::vector<Matrix43>* frames) {
+  MachineComputeImplementation& record = *implementation_;
+  const Machine& machine = *record.machine;
   if (!machine.finished_) {
     return Fail(ComputeErrorNotFinished);
   }
@@ -126,6 +143,26 @@ bool MachineCompute::ComputePositionMachine(const MachinePosition& pos,
 bool MachineCompute::ComputeMcsToToolTcs(const MachinePosition& pos, const HeadIndex& head,
                                          const TableIndex& table, const Vector3D& offset,
                                          Matrix43* frame) {
+  MachineComputeImplementation& record = *implementation_;
+  const Machine& machine = *record.machine;
+  KeptResults* const kept = record.kept.Current(machine.kinematic_);
+  if (machine.finished_ && frame != nullptr && kept != nullptr) {
+    const std::vector<double>& values = PositionAccess::Values(pos);
+    const KinematicImplementation& store = KinematicAccess::Store(machine.kinematic_);
+    TableFromHead* const tableFromHead =
+        kept->tableFromHead.Find({store.Head(head), store.Table(table)}, values.size());
+    if (tableFromHead != nullptr) {
+      tableFromHead->Compute(values.data(), offset, frame);
+      return true;
+    }
+  }
+  return ComputeTableFromHeadAnew(pos, head, table, offset, frame);
+}
+
+// With all that can fail, and what may be kept of it for the next call.
+bool MachineCompute::ComputeTableFromHeadAnew(const MachinePosition& pos, const HeadIndex& head,
+                                              const TableIndex& table, const Vector3D& offset,
+                                              Matrix43* frame) {
   MachineComputeImplementation& record = *implementation_;
   const Machine& machine = *record.machine;
   if (!machine.finished_) {

@@ -2,6 +2,7 @@
 
 #include "compute/SameValue.h"
 #include "geometry/FrameRows.h"
+#include "geometry/WideRows.h"
 
 #include <algorithm>
 #include <functional>
@@ -11,15 +12,6 @@ namespace Orvo::Kin {
 
 namespace {
 
-bool HasExactFourthRow(const TypedFrame& frame) {
-  for (int i = 3; i < 16; i += 4) {
-    if (!IsSameValue(frame.elements[i], IdentityFrame[i])) {
-      return false;
-    }
-  }
-  return true;
-}
-
 void SetIdentity(TypedFrame* frame) {
   CopyFrame(IdentityFrame, frame->elements);
   frame->type = Matrix43::Identity;
@@ -28,39 +20,31 @@ void SetIdentity(TypedFrame* frame) {
 // The product of some links of a chain, to which more are added before it.
 class ProductInMemory {
  public:
-  explicit ProductInMemory(const TypedFrame& frame) : frame_(frame) {}
+  explicit ProductInMemory(const double* frame) { CopyFrame(frame, frame_); }
 
-  void Precede(const TypedFrame& link) {
-    const TypedFrame right = frame_;
-    Multiply(link, right, &frame_);
+  void Precede(ProductRule rule, const double* link) {
+    alignas(16) double right[16];
+    CopyFrame(frame_, right);
+    MultiplyFrames(rule, link, right, frame_);
   }
 
-  void Store(TypedFrame* frame) const { *frame = frame_; }
+  void Store(double* frame) const { CopyFrame(frame_, frame); }
 
  private:
-  TypedFrame frame_;
+  alignas(16) double frame_[16];
 };
 
 // The same in registers, which have no room for fourth rows.
 class ProductInRows {
  public:
-  explicit ProductInRows(const TypedFrame& frame)
-      : rows_(LoadRows(frame.elements)), type_(frame.type) {}
+  explicit ProductInRows(const double* frame) : rows_(LoadRows(frame)) {}
 
-  void Precede(const TypedFrame& link) {
-    const ProductKind kind = KindsOfProducts.kinds[link.type][type_];
-    rows_ = MultiplyRows(kind.rule, link.elements, rows_);
-    type_ = kind.type;
-  }
+  void Precede(ProductRule rule, const double* link) { rows_ = MultiplyRows(rule, link, rows_); }
 
-  void Store(TypedFrame* frame) const {
-    StoreRows(rows_, frame->elements);
-    frame->type = type_;
-  }
+  void Store(double* frame) const { StoreRows(rows_, frame); }
 
  private:
   FrameRows rows_;
-  Matrix43::Type type_;
 };
 
 }  // namespace
@@ -83,7 +67,7 @@ bool FrameChains::Add(const Entity* element, Axes axes) {
     chain.isExact = chain.isExact && HasExactFourthRow(links_[found->second].Frame());
   }
   SetIdentity(&chain.frame);
-  SetIdentity(&chain.kept);
+  CopyFrame(IdentityFrame, chain.kept);
   chains_.push_back(std::move(chain));
   return true;
 }
@@ -98,87 +82,166 @@ void FrameChains::Prepare() {
   for (Chain& chain : chains_) {
     for (std::size_t place = 0; place < chain.links.size(); ++place) {
       KeptLink& link = links_[chain.links[place]];
-      chain.frames.push_back(&link.Frame());
+      chain.steps.push_back({&link});
       if (isMoving(chain, link)) {
         uses_.push_back({&link, &chain, place});
       }
     }
     chain.links = {};
   }
-  const auto regOf = [](const Use& use) { return static_cast<std::size_t>(use.link->Reg()); };
-  std::sort(uses_.begin(), uses_.end(), [&regOf](const Use& a, const Use& b) {
-    return regOf(a) != regOf(b) ? regOf(a) < regOf(b) : std::less<>()(a.link, b.link);
+  std::sort(uses_.begin(), uses_.end(), [](const Use& a, const Use& b) {
+    return a.link->Reg() != b.link->Reg() ? a.link->Reg() < b.link->Reg()
+                                          : std::less<>()(a.link, b.link);
   });
-  for (std::size_t use = 0; use < uses_.size(); ++use) {
-    if (watched_.empty() || watched_.back().reg != regOf(uses_[use])) {
-      watched_.push_back({regOf(uses_[use]), 0.0, use});
-    }
+  const Use* const end = uses_.data() + uses_.size();
+  for (const Use* first = uses_.data(); first != end;) {
+    KeptLink* const link = first->link;
+    const Use* const next =
+        std::find_if(first, end, [link](const Use& use) { return use.link != link; });
+    std::vector<Axis>& axes = link->IsRotary() ? rotaryAxes_ : linearAxes_;
+    axes.push_back({static_cast<std::size_t>(link->Reg()), 0.0, link, first, next});
+    first = next;
   }
-  watched_.push_back({0, 0.0, uses_.size()});
 }
 
 bool FrameChains::Update(const double* values) {
-  bool hasChanged = !isComputed_;
+  const bool isFirst = !isComputed_;
   isComputed_ = true;
-  Watched* const end = watched_.data() + watched_.size() - 1;
-  for (Watched* watched = watched_.data(); watched != end; ++watched) {
-    const double value = values[watched->reg];
-    if (!IsSameValue(value, watched->value)) {
-      watched->value = value;
-      TakeIn(watched);
-      hasChanged = true;
-    }
-  }
-  if (!hasChanged) {
+  if (!SetAxisValues(values) && !isFirst) {
     return false;
   }
   for (Chain& chain : chains_) {
-    chain.hasChanged = chain.firstChange < chain.frames.size();
+    chain.hasChanged = chain.firstChange < chain.steps.size();
     if (chain.hasChanged) {
-      if (chain.isExact) {
-        chain.MultiplyAs<ProductInRows>();
-      } else {
+      if (!chain.areKindsKnown) {
+        chain.FindProducts();
+      }
+      if (!chain.isExact) {
         chain.MultiplyAs<ProductInMemory>();
+      } else {
+#ifdef ORVO_WIDE
+        if (isWide_) {
+          chain.MultiplyWide();
+          continue;
+        }
+#endif
+        chain.MultiplyAs<ProductInRows>();
       }
     }
   }
   return true;
 }
 
-inline void FrameChains::TakeIn(const Watched* watched) {
-  const Use* const end = uses_.data() + watched[1].firstUse;
-  const KeptLink* latest = nullptr;
-  for (const Use* use = uses_.data() + watched[0].firstUse; use != end; ++use) {
-    if (use->link != latest) {
-      latest = use->link;
-      use->link->SetAxisValue(watched->value);
+// Returns whether any is another one than before. Rotary axes come first: what doesn't need them
+// goes on while sines and cosines are under way.
+inline bool FrameChains::SetAxisValues(const double* values) {
+  bool isAnyOther = false;
+  for (Axis& axis : rotaryAxes_) {
+    const double value = values[axis.reg];
+    if (!IsSameValue(value, axis.value)) {
+      axis.value = value;
+      const Matrix43::Type typeBefore = axis.link->Frame().type;
+      axis.link->SetTurn(value);
+      TakeIn(axis);
+      isAnyOther = true;
+      if (axis.link->Frame().type != typeBefore) {
+        std::for_each(axis.firstUse, axis.endOfUses,
+                      [](const Use& use) { use.chain->areKindsKnown = false; });
+      }
     }
+  }
+  for (Axis& axis : linearAxes_) {
+    const double value = values[axis.reg];
+    if (!IsSameValue(value, axis.value)) {
+      axis.value = value;
+      axis.link->SetTravel(value);
+      TakeIn(axis);
+      isAnyOther = true;
+    }
+  }
+  return isAnyOther;
+}
+
+inline void FrameChains::TakeIn(const Axis& axis) {
+  for (const Use* use = axis.firstUse; use != axis.endOfUses; ++use) {
     use->chain->firstChange = std::min(use->chain->firstChange, use->place);
   }
 }
 
-// Goes on from the kept product where that holds, and keeps the one before the first change.
-template <typename Product>
-void FrameChains::Chain::MultiplyAs() {
-  const std::size_t linkNb = frames.size();
+// The kinds of products are known before their numbers are; they change when a rotary axis comes to
+// stand at 0, or leaves it. Products of exact unit axes need not be computed.
+void FrameChains::Chain::FindProducts() {
+  areKindsKnown = true;
+  Matrix43::Type type = Matrix43::Identity;
+  bool isShifted = true;
+  for (Step& step : steps) {
+    const Matrix43::Type linkType = step.link->Frame().type;
+    step.product = KindOfProduct(linkType, type);
+    isShifted = isShifted &&
+                (linkType == Matrix43::Identity || linkType == Matrix43::Translation) &&
+                HasExactUnitAxes(step.link->Frame());
+    if (step.product.rule == ProductRule::Affine) {
+      step.product.rule = isShifted ? ProductRule::Shifted : step.link->AffineRule();
+    }
+    type = step.product.type;
+  }
+}
+
+// Forgets the kept product where it no longer holds, and returns the place to go on from.
+inline std::size_t FrameChains::Chain::Resume() {
   if (keptPlace > firstChange) {
     keptPlace = 0;
-    SetIdentity(&kept);
+    CopyFrame(IdentityFrame, kept);
   }
+  return keptPlace;
+}
+
+inline void FrameChains::Chain::Finish() {
+  frame.type = steps.back().product.type;
+  firstChange = steps.size();
+}
+
+// Goes on from the kept product where that holds, and keeps the one before the first change.
+template <typename Product>
+inline void FrameChains::Chain::MultiplyAs() {
+  std::size_t place = Resume();
   Product product(kept);
-  std::size_t place = keptPlace;
-  if (place < firstChange) {
-    for (; place < firstChange; ++place) {
-      product.Precede(*frames[place]);
+  const auto precedeUpTo = [&](std::size_t endPlace) {
+    for (; place != endPlace; ++place) {
+      product.Precede(steps[place].product.rule, steps[place].link->Frame().elements);
     }
-    product.Store(&kept);
+  };
+  if (keptPlace != firstChange) {
+    precedeUpTo(firstChange);
+    product.Store(kept);
     keptPlace = firstChange;
   }
-  for (; place < linkNb; ++place) {
-    product.Precede(*frames[place]);
-  }
-  product.Store(&frame);
-  firstChange = linkNb;
+  precedeUpTo(steps.size());
+  product.Store(frame.elements);
+  Finish();
 }
+
+#ifdef ORVO_WIDE
+// The same with wide rows, which are kept as they are.
+ORVO_WIDE void FrameChains::Chain::MultiplyWide() {
+  double* const keptRows = kept + (IdentityRows - IdentityFrame);
+  const Step* step = steps.data() + Resume();
+  const Step* const change = steps.data() + firstChange;
+  const Step* const end = steps.data() + steps.size();
+  WideRows rows = LoadRowsWide(keptRows);
+  if (step != change) {
+    for (; step != change; ++step) {
+      rows = MultiplyRowsWide(step->product.rule, step->link->Frame().elements, rows);
+    }
+    StoreRowsWide(rows, keptRows);
+    keptPlace = firstChange;
+  }
+  for (; step != end; ++step) {
+    rows = MultiplyRowsWide(step->product.rule, step->link->Frame().elements, rows);
+  }
+  StoreWide(FrameOfRows(rows), frame.elements);
+  Finish();
+}
+#endif
 
 }  // namespace Orvo::Kin

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "compute/KeptLink.h"
+#include "geometry/WideFrame.h"
 
 #include <Orvo/Kin/Entity.h>
 
@@ -47,21 +48,33 @@ class FrameChains {
   const TypedFrame& Frame(std::size_t number) const { return chains_[number].frame; }
 
  private:
+  /// How a link is multiplied onto the product of those before it, and the kind of the product.
+  struct Step {
+    const KeptLink* link;
+    ProductKind product{};
+  };
+
   struct Chain {
+    void FindProducts();
+    std::size_t Resume();
+    void Finish();
     template <typename Product>
     void MultiplyAs();
+    void MultiplyWide();
 
     Axes axes = Axes::All;
-    std::vector<std::uint32_t> links;       // from the element to the root, by number
-    std::vector<const TypedFrame*> frames;  // of these, from Prepare() on
-    bool isExact = true;                    // the fourth rows of all links are exactly (0, 0, 0, 1)
+    std::vector<std::uint32_t> links;  // from the element to the root, by number, until Prepare()
+    std::vector<Step> steps;           // from then on, of the same
+    bool isExact = true;               // the fourth rows of all links are exactly (0, 0, 0, 1)
+    bool areKindsKnown = false;
     std::size_t firstChange = 0;  // the first place whose link changed since the last product
     bool hasChanged = false;
     TypedFrame frame;
 
-    // The product of the links before a place, where the last change began.
+    // The product of the links before a place, where the last change began: by columns, or by
+    // rows where these are multiplied.
     std::size_t keptPlace = 0;
-    TypedFrame kept;
+    alignas(32) double kept[16] = {};
   };
 
   /// A place of a moving link in a chain.
@@ -71,26 +84,28 @@ class FrameChains {
     std::size_t place;
   };
 
-  /// A register that counts, and the value that the frames are computed for. Its uses go up to
-  /// those of the next register.
-  struct Watched {
+  /// An axis that counts, with the value that its link is computed for, and its places.
+  struct Axis {
     std::size_t reg;
     double value;
-    std::size_t firstUse;
+    KeptLink* link;
+    const Use* firstUse;
+    const Use* endOfUses;
   };
 
-  void TakeIn(const Watched* watched);
+  static void TakeIn(const Axis& axis);
+  bool SetAxisValues(const double* values);
 
   std::vector<int> zeroRegisters_;
   std::unordered_map<const Entity*, std::uint32_t> linkOfEntity_;  // until Prepare()
   std::vector<KeptLink> links_;
   std::vector<Chain> chains_;
+  std::vector<Use> uses_;  // by register and link
+  std::vector<Axis> linearAxes_;
+  std::vector<Axis> rotaryAxes_;
   std::size_t registerBound_ = 0;
   bool isComputed_ = false;
-
-  // By register; the last one ends the uses.
-  std::vector<Watched> watched_;
-  std::vector<Use> uses_;
+  bool isWide_ = HasWideLanes();
 };
 
 }  // namespace Orvo::Kin

@@ -1,10 +1,25 @@
 #include "compute/KeptLink.h"
 
+#include "compute/SameValue.h"
 #include "geometry/PrincipalAxis.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace Orvo::Kin {
+
+bool HasExactFourthRow(const TypedFrame& frame) {
+  for (int i = 3; i < 16; i += 4) {
+    if (!IsSameValue(frame.elements[i], IdentityFrame[i])) {
+      return false;
+    }
+  }
+  return true;
+}
+
+bool HasExactUnitAxes(const TypedFrame& frame) {
+  return std::equal(frame.elements, frame.elements + 12, IdentityFrame, IsSameValue);
+}
 
 bool KeptLink::TakeDown(const Entity& entity) {
   const EntityLink& from = entity.GetEntityLink();

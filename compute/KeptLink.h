@@ -42,6 +42,12 @@ inline Lanes OriginOfProduct(const TypedFrame& a, const TypedFrame& b) {
   }
 }
 
+/// Tells whether the fourth row is (0, 0, 0, 1), bit for bit.
+bool HasExactFourthRow(const TypedFrame& frame);
+
+/// Tells whether the directions are the unit axes with the fourth row 0, bit for bit.
+bool HasExactUnitAxes(const TypedFrame& frame);
+
 inline void Invert(const TypedFrame& frame, TypedFrame* inverse) {
   inverse->type = frame.type;
   InvertRigid(frame.elements, frame.type, inverse->elements);
@@ -63,9 +69,23 @@ class KeptLink {
   /// Computes the frame for a value of the axis, as ComputeRelativePosition does, bit for bit.
   void SetAxisValue(double value) {
     if (kind_ == Kind::Linear) {
-      SetTravel(zeroReference_ + value);
-      return;
+      SetTravel(value);
+    } else {
+      SetTurn(value);
     }
+  }
+
+  /// The same for a linear axis.
+  void SetTravel(double value) {
+    const double way = zeroReference_ + value;
+    double* const m = frame_.elements;
+    m[12] = vector_[0] * way;
+    m[13] = vector_[1] * way;
+    m[14] = vector_[2] * way;
+  }
+
+  /// The same for a rotary axis.
+  void SetTurn(double value) {
     const double radians = RadiansFromDegrees(value);
     if (radians == 0.0) {
       SetNoTurn();
@@ -77,6 +97,13 @@ class KeptLink {
   }
 
   const TypedFrame& Frame() const { return frame_; }
+
+  /// The rule for a product with this link that is Affine by its kind.
+  ProductRule AffineRule() const {
+    return kind_ == Kind::PrincipalRotary && frame_.type == Matrix43::RotationTranslation
+               ? TurnRule(axis_)
+               : ProductRule::Affine;
+  }
 
  private:
   enum class Kind {
@@ -93,16 +120,14 @@ class KeptLink {
     alignas(16) double toAxis[16];
   };
 
+  static ProductRule TurnRule(Direction axis) {
+    return axis == X ? ProductRule::TurnedX
+                     : (axis == Y ? ProductRule::TurnedY : ProductRule::TurnedZ);
+  }
+
   void TakeDownRotary(const EntityLink& from);
   void SetNoTurn();
   void SetTiltedTurn(double radians);
-
-  void SetTravel(double way) {
-    double* const m = frame_.elements;
-    m[12] = vector_[0] * way;
-    m[13] = vector_[1] * way;
-    m[14] = vector_[2] * way;
-  }
 
   // Writes what depends on the angle: a block of 2 x 2 numbers, and the origin, which is the center
   // less the turned center. The numbers are those of PrincipalTurn().

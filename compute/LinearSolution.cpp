@@ -18,6 +18,12 @@ namespace {
 // An axis that is not on the chain may be asked for a value up to this size.
 constexpr double LargestMissingValue = 0.001;
 
+void SetToZero(const Register registers[3], std::vector<double>* values) {
+  for (int i = 0; i < 3; ++i) {
+    (*values)[static_cast<std::size_t>(registers[i].GetVal())] = 0.0;
+  }
+}
+
 }  // namespace
 
 bool MachineCompute::ComputeToolTcsToMcsXyz(const MachinePosition& pos, const HeadIndex& head,
@@ -26,48 +32,65 @@ bool MachineCompute::ComputeToolTcsToMcsXyz(const MachinePosition& pos, const He
                                             const Vector3D& point, Vector3D* xyz) {
   MachineComputeImplementation& record = *implementation_;
   const Machine& machine = *record.machine;
+  const Register registers[3] = {x, y, z};
+  KeptResults* const kept = record.kept.Current(machine.kinematic_);
+  if (machine.finished_ && xyz != nullptr && kept != nullptr) {
+    const std::vector<double>& values = PositionAccess::Values(pos);
+    const KinematicImplementation& store = KinematicAccess::Store(machine.kinematic_);
+    LinearPlacement* const placement = kept->linear.Find(
+        {store.Head(head), store.Table(table), {x.GetVal(), y.GetVal(), z.GetVal()}},
+        values.size());
+    if (placement != nullptr) {
+      SetToZero(registers, &record.SetScratch(values));
+      placement->Compute(values.data(), offset, point, xyz);
+      return true;
+    }
+  }
+  return ComputeLinearsAnew(pos, head, table, offset, registers, point, xyz);
+}
+
+// With all that can fail, and what may be kept of it for the next call.
+bool MachineCompute::ComputeLinearsAnew(const MachinePosition& pos, const HeadIndex& head,
+                                        const TableIndex& table, const Vector3D& offset,
+                                        const Register registers[3], const Vector3D& point,
+                                        Vector3D* xyz) {
+  MachineComputeImplementation& record = *implementation_;
+  const Machine& machine = *record.machine;
   if (!machine.finished_) {
     return Fail(ComputeErrorNotFinished);
   }
   if (xyz == nullptr) {
     return Fail(ComputeErrorNullOutput);
   }
-  const Register registers[3] = {x, y, z};
+  if (!std::all_of(registers, registers + 3, [](const Register& reg) { return reg.IsDefined(); })) {
+    return Fail(ComputeErrorRegister);
+  }
   const std::vector<double>& values = PositionAccess::Values(pos);
-  const KinematicImplementation& store = KinematicAccess::Store(machine.kinematic_);
-  KeptResults* const kept = record.kept.Current(machine.kinematic_);
-  const KeptResults::Key key{
-      store.Head(head), store.Table(table), {x.GetVal(), y.GetVal(), z.GetVal()}};
-  LinearPlacement* placement = kept == nullptr ? nullptr : kept->linear.Find(key, values.size());
-  if (placement == nullptr) {
-    if (!std::all_of(registers, registers + 3,
-                     [](const Register& reg) { return reg.IsDefined(); })) {
-      return Fail(ComputeErrorRegister);
-    }
-    if (values.empty()) {
-      return Fail(ComputeErrorEmptyPosition);
-    }
-    if (!std::all_of(registers, registers + 3,
-                     [&pos](const Register& reg) { return HasRegister(pos, reg); })) {
-      return Fail(ComputeErrorRegister);
-    }
-    BuildAxisChain(head, table);
-    if (record.chain.IsEmpty()) {
-      return Fail(ComputeErrorNoHeadOrTable);
-    }
+  if (values.empty()) {
+    return Fail(ComputeErrorEmptyPosition);
   }
-  std::vector<double>& zeroed = record.SetScratch(values);
-  for (const Register& reg : registers) {
-    zeroed[static_cast<std::size_t>(reg.GetVal())] = 0.0;
+  if (!std::all_of(registers, registers + 3,
+                   [&pos](const Register& reg) { return HasRegister(pos, reg); })) {
+    return Fail(ComputeErrorRegister);
   }
-  if (placement == nullptr && kept != nullptr) {
-    placement = kept->linear.Make(key, values.size(), [&](LinearPlacement* made) {
-      return made->Build(record.chain, machine.GetKinematic(), registers);
-    });
+  BuildAxisChain(head, table);
+  if (record.chain.IsEmpty()) {
+    return Fail(ComputeErrorNoHeadOrTable);
   }
-  if (placement != nullptr) {
-    placement->Compute(values.data(), offset, point, xyz);
-    return true;
+  SetToZero(registers, &record.SetScratch(values));
+  if (KeptResults* const kept = record.kept.Current(machine.kinematic_)) {
+    const KinematicImplementation& store = KinematicAccess::Store(machine.kinematic_);
+    LinearPlacement* const placement =
+        kept->linear.Make({store.Head(head),
+                           store.Table(table),
+                           {registers[0].GetVal(), registers[1].GetVal(), registers[2].GetVal()}},
+                          values.size(), [&](LinearPlacement* made) {
+                            return made->Build(record.chain, machine.GetKinematic(), registers);
+                          });
+    if (placement != nullptr) {
+      placement->Compute(values.data(), offset, point, xyz);
+      return true;
+    }
   }
 
   const AxisChain& chain = record.chain;

@@ -15,25 +15,44 @@ namespace Orvo::Kin {
 
 namespace {
 
-// Tells whether two solutions are the nearest ones to the current values of both axes already, and
-// in range; then also how far the axes move to each, in degrees.
-bool AreNearestInRange(const RotaryAngles& found, const double currentDeg[2], const Quad& min,
-                       const Quad& max, double moves[2]) {
-  const Quad angles(found.alpha[0], found.alpha[1], found.beta[0], found.beta[1]);
-  const Quad anglesDeg = DegreesFromRadians(angles);
+// Moves the angles of two solutions by up to a turn each to those nearest to the current values of
+// both axes, and tells how far the axes move to each solution, in degrees. Returns false, with
+// nothing changed, where that takes more than a turn or leaves the range.
+bool MoveIntoNearestTurns(const double currentDeg[2], const Quad& min, const Quad& max,
+                          RotaryAngles* found, double moves[2]) {
+  Quad angles(found->alpha[0], found->alpha[1], found->beta[0], found->beta[1]);
+  Quad anglesDeg = DegreesFromRadians(angles);
   const Quad current(currentDeg[0], currentDeg[0], currentDeg[1], currentDeg[1]);
   const Quad reference = DegreesFromRadians(RadiansFromDegrees(current));
-  const Quad turn(FullTurnDeg);
-  const Quad distances = Abs(anglesDeg - reference);
-  if (!AreAllInOrder(distances, Abs(anglesDeg + turn - reference)) ||
-      !AreAllInOrder(distances, Abs(anglesDeg - turn - reference)) || !AreAllInOrder(min, angles) ||
-      !AreAllInOrder(angles, max)) {
+  const Quad turnDeg(FullTurnDeg);
+  Quad distances = Abs(anglesDeg - reference);
+  Quad above = Abs(anglesDeg + turnDeg - reference);
+  Quad below = Abs(anglesDeg - turnDeg - reference);
+  const bool isTurned = !AreAllInOrder(distances, above) || !AreAllInOrder(distances, below);
+  if (isTurned) {
+    const Quad turn(TwoPi);
+    angles = WhereLarger(distances, above, angles + turn,
+                         WhereLarger(distances, below, angles - turn, angles));
+    anglesDeg = DegreesFromRadians(angles);
+    distances = Abs(anglesDeg - reference);
+    above = Abs(anglesDeg + turnDeg - reference);
+    below = Abs(anglesDeg - turnDeg - reference);
+    if (!AreAllInOrder(distances, above) || !AreAllInOrder(distances, below)) {
+      return false;
+    }
+  }
+  if (!AreAllInOrder(min, angles) || !AreAllInOrder(angles, max)) {
     return false;
   }
   alignas(16) double steps[4];
   Abs(anglesDeg - current).Store(steps);
   moves[0] = 0.0 + steps[0] + steps[2];
   moves[1] = 0.0 + steps[1] + steps[3];
+  if (isTurned) {
+    alignas(16) double turned[4];
+    angles.Store(turned);
+    *found = {found->count, found->freeRegister, {turned[0], turned[1]}, {turned[2], turned[3]}};
+  }
   return true;
 }
 
@@ -100,11 +119,11 @@ bool ProgramSystemCompute::ComputeToolIjkTcsToMcsAbc(const MachinePosition& pos,
       record.rotaries[1].reg.IsDefined()) {
     const double currentDeg[2] = {pos[record.rotaries[0].reg], pos[record.rotaries[1].reg]};
     double moves[2];
-    if (AreNearestInRange(found, currentDeg, record.min, record.max, moves)) {
+    if (MoveIntoNearestTurns(currentDeg, record.min, record.max, &found, moves)) {
       if (moves[0] > moves[1]) {
         ExchangeSolutions(&found);
-        Store(found, sol);
       }
+      Store(found, sol);
       return true;
     }
   }

@@ -54,11 +54,11 @@ RotaryPair::RotaryPair(const Vector3D& axis1, const Vector3D& axis2, const Vecto
               std::fabs(axis2Square_) >= LinePlaneTolerance;
 }
 
-bool RotaryPair::Solve(const RequestedDirection& target, RotaryAngles* angles) const {
+bool RotaryPair::Solve(RequestedDirection target, RotaryAngles* angles) const {
   if (!isUsable_ || target.length < SmallestRequest) {
     return false;
   }
-  const Coordinates1& unitTarget = target.unit;
+  const Coordinates1 unitTarget = DividedBy(LoadCoordinates(target.given), target.length);
 
   // The chord's distance from the circle's center.
   const double toCircle = (centerAlongAxis1_ - Dot(axis1_, unitTarget)) / slopeOfWay_;
@@ -72,7 +72,7 @@ bool RotaryPair::Solve(const RequestedDirection& target, RotaryAngles* angles) c
   }
   if (!(radius_ > size - TangentOuterTolerance)) {
     *angles = RotaryAngles();
-    return !IsWithin(tool_, target.given, SameDirectionTolerance);
+    return !IsWithin(tool_, LoadCoordinates(target.given), SameDirectionTolerance);
   }
 
   // Where the chord meets the circle, in its plane and in space.

@@ -2,23 +2,19 @@
 
 #include "compute/RotaryAngles.h"
 #include "geometry/Coordinates.h"
+#include "geometry/VectorKernel.h"
 
 #include <Orvo/Vector3D.h>
 
-#include <cmath>
-
 namespace Orvo::Kin {
 
-/// A requested direction, as given and at unit length.
+/// A requested direction and its length; passed in registers.
 struct RequestedDirection {
   explicit RequestedDirection(const Vector3D& direction)
-      : given(LoadCoordinates(direction)),
-        length(std::sqrt(Dot(given, given))),
-        unit(DividedBy(given, length)) {}
+      : given(direction), length(Length(direction)) {}
 
-  Coordinates1 given;
+  const double* given;
   double length;
-  Coordinates1 unit;  // of no use where the length is 0
 };
 
 /// Two rotary axes and a tool direction, with what SolveTwoRotaries() derives from them alone.
@@ -32,7 +28,7 @@ class RotaryPair {
   /// Solves for a target as SolveTwoRotaries() does, bit for bit. Returns false, without angles,
   /// near every threshold but those that tell whether the target can be reached at all and whether
   /// the two solutions differ: SolveTwoRotaries() decides there.
-  bool Solve(const RequestedDirection& target, RotaryAngles* angles) const;
+  bool Solve(RequestedDirection target, RotaryAngles* angles) const;
 
  private:
   bool isUsable_ = false;

@@ -85,13 +85,15 @@ const RotaryDirections& RotaryPlacement::Compute(const double* values) {
   return directions_;
 }
 
-bool RotaryPlacement::Solve(const RequestedDirection& target, RotaryAngles* angles) const {
-  if (!axes_[0].isDefined || !axes_[1].isDefined || !pair_.Solve(target, angles)) {
+bool RotaryPlacement::Solve(RequestedDirection target, RotariesSolution* sol) const {
+  RotaryAngles angles;
+  if (!axes_[0].isDefined || !axes_[1].isDefined || !pair_.Solve(target, &angles)) {
     return false;
   }
   if (!directions_.isAlphaNearerHead) {
-    std::swap(angles->alpha, angles->beta);
+    std::swap(angles.alpha, angles.beta);
   }
+  Store(angles, sol);
   return true;
 }
 

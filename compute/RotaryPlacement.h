@@ -6,6 +6,7 @@
 #include "compute/RotaryPair.h"
 
 #include <Orvo/Kin/Register.h>
+#include <Orvo/Kin/RotariesSolution.h>
 #include <Orvo/Vector3D.h>
 
 #include <cstddef>
@@ -26,9 +27,9 @@ class RotaryPlacement {
   /// Computes the directions for axis values by register.
   const RotaryDirections& Compute(const double* values);
 
-  /// Solves for a target with the directions computed last. Returns false, without angles, unless
-  /// there are two axes and RotaryPair decides.
-  bool Solve(const RequestedDirection& target, RotaryAngles* angles) const;
+  /// Solves for a target with the directions computed last. Returns false, with nothing written,
+  /// unless there are two axes and RotaryPair decides.
+  bool Solve(RequestedDirection target, RotariesSolution* sol) const;
 
  private:
   struct Axis {

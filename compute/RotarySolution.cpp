@@ -18,6 +18,12 @@ namespace {
 // Without rotary axes, the tool points along a direction where their dot product exceeds this.
 constexpr double AlignedCosine = 0.99;
 
+void SetToZero(const Register& reg, std::vector<double>* values) {
+  if (reg.IsDefined()) {
+    (*values)[static_cast<std::size_t>(reg.GetVal())] = 0.0;
+  }
+}
+
 /// A requested rotary axis as the chain from table to head holds it.
 struct ChainAxis {
   const Entity* entity = nullptr;
@@ -36,6 +42,30 @@ bool MachineCompute::ComputeToolIjkTcsToMcsAbc(const MachinePosition& pos, const
   }
   // First, since all of the solution waits for its square root.
   const RequestedDirection target(ijk);
+  MachineComputeImplementation& record = *implementation_;
+  if (KeptResults* const kept = record.kept.Current(record.machine->kinematic_)) {
+    const std::vector<double>& values = PositionAccess::Values(pos);
+    const KinematicImplementation& store = KinematicAccess::Store(record.machine->kinematic_);
+    RotaryPlacement* const placement = kept->rotary.Find(
+        {store.Head(head), store.Table(table), {r0.GetVal(), r1.GetVal(), -1}}, values.size());
+    if (placement != nullptr) {
+      std::vector<double>& scratch = record.SetScratch(values);
+      SetToZero(r0, &scratch);
+      SetToZero(r1, &scratch);
+      placement->Compute(values.data());
+      if (placement->Solve(target, sol)) {
+        return true;
+      }
+    }
+  }
+  return ComputeRotariesAnew(pos, head, table, ijk, r0, r1, sol);
+}
+
+// With all that can fail, and what may be kept of it for the next call; near thresholds too.
+bool MachineCompute::ComputeRotariesAnew(const MachinePosition& pos, const HeadIndex& head,
+                                         const TableIndex& table, const Vector3D& ijk,
+                                         const Register& r0, const Register& r1,
+                                         RotariesSolution* sol) {
   const Register registers[2] = {r0, r1};
   MachineComputeImplementation& record = *implementation_;
   const std::vector<double>& values = PositionAccess::Values(pos);
@@ -43,11 +73,9 @@ bool MachineCompute::ComputeToolIjkTcsToMcsAbc(const MachinePosition& pos, const
   KeptResults* const kept = record.kept.Current(record.machine->kinematic_);
   const KeptResults::Key key{store.Head(head), store.Table(table), {r0.GetVal(), r1.GetVal(), -1}};
   RotaryPlacement* placement = kept == nullptr ? nullptr : kept->rotary.Find(key, values.size());
-  if (placement == nullptr) {
-    Store(RotaryAngles(), sol);
-    if (values.empty()) {
-      return Fail(ComputeErrorEmptyPosition);
-    }
+  Store(RotaryAngles(), sol);
+  if (placement == nullptr && values.empty()) {
+    return Fail(ComputeErrorEmptyPosition);
   }
   std::vector<double>& scratch = record.SetScratch(values);
   for (const Register& reg : registers) {
@@ -55,7 +83,7 @@ bool MachineCompute::ComputeToolIjkTcsToMcsAbc(const MachinePosition& pos, const
       if (!HasRegister(pos, reg)) {
         return Fail(ComputeErrorRegister);
       }
-      scratch[static_cast<std::size_t>(reg.GetVal())] = 0.0;
+      SetToZero(reg, &scratch);
     }
   }
   if (placement == nullptr) {
@@ -77,12 +105,6 @@ bool MachineCompute::ComputeToolIjkTcsToMcsAbc(const MachinePosition& pos, const
   RotaryDirections found;
   if (placement != nullptr) {
     directions = &placement->Compute(values.data());
-    RotaryAngles angles;
-    if (placement->Solve(target, &angles)) {
-      Store(angles, sol);
-      return true;
-    }
-    Store(RotaryAngles(), sol);
   } else if (FindRotaryDirections(record.scratch, registers, &found)) {
     directions = &found;
   } else {

@@ -20,48 +20,89 @@ bool TableFromHead::Build(const Entity& head, const Entity& table) {
 
 void TableFromHead::Compute(const double* values, const Vector3D& offset,
                             Matrix43* tableFromToolPoint) {
-  if (chains_.Update(values)) {
-    const TypedFrame& worldFromTable = chains_.Frame(Table);
-    const TypedFrame& worldFromHead = chains_.Frame(Head);
-    const ProductKind kind = KindsOfProducts.kinds[worldFromTable.type][worldFromHead.type];
-    isRigid_ = worldFromTable.type == Matrix43::RotationTranslation &&
-               kind.rule == ProductRule::Affine && kind.type == Matrix43::RotationTranslation;
-    if (isRigid_) {
-      Place(worldFromTable.elements, worldFromHead.elements);
-    } else {
-      TypedFrame tableFromWorld;
-      Invert(worldFromTable, &tableFromWorld);
-      Multiply(tableFromWorld, worldFromHead, &tableFromHead_);
-    }
+  const bool hasChanged = chains_.Update(values);
+  if (hasChanged) {
+    isRigid_ = IsRigid();
   }
-  double* const m = FrameAccess::Elements(tableFromToolPoint);
-  if (isRigid_) {
-    const Lanes toolPoint = CombineColumns(directions_, -offset[0], -offset[1], -offset[2]);
-    StoreLanes(m, directions_.u);
-    StoreLanes(m + 4, directions_.v);
-    StoreLanes(m + 8, directions_.w);
-    StoreLanes(m + 12, WithW(Add(toolPoint, origin_), 1.0));
-    FrameAccess::SetType(tableFromToolPoint, Matrix43::RotationTranslation);
+#ifdef ORVO_WIDE
+  if (isRigid_ && isWide_) {
+    PlaceAndMoveWide(!hasChanged, offset, tableFromToolPoint);
     return;
   }
-  TypedFrame headFromToolPoint;
-  SetHeadFromToolPoint(offset, &headFromToolPoint);
-  FrameAccess::SetType(tableFromToolPoint,
-                       MultiplyFrames(tableFromHead_.elements, tableFromHead_.type,
-                                      headFromToolPoint.elements, headFromToolPoint.type, m));
+#endif
+  if (hasChanged) {
+    if (isRigid_) {
+      PlaceRigid();
+    } else {
+      Place();
+    }
+  }
+  Move(offset, tableFromToolPoint);
 }
 
-// InvertRigid() and the product that has no shortcuts, without a detour by memory.
-void TableFromHead::Place(const double* worldFromTable, const double* worldFromHead) {
+// Tells whether the product of the inverse and the other frame has no shortcuts and is rigid.
+inline bool TableFromHead::IsRigid() const {
+  const Matrix43::Type head = chains_.Frame(Head).type;
+  return chains_.Frame(Table).type == Matrix43::RotationTranslation &&
+         (head == Matrix43::RotationTranslation || head == Matrix43::Rotation);
+}
+
+void TableFromHead::Place() {
+  TypedFrame tableFromWorld;
+  Invert(chains_.Frame(Table), &tableFromWorld);
+  Multiply(tableFromWorld, chains_.Frame(Head), &tableFromHead_);
+}
+
+// The same for rigid frames, without a detour by memory.
+void TableFromHead::PlaceRigid() {
+  const double* const worldFromTable = chains_.Frame(Table).elements;
+  const double* const worldFromHead = chains_.Frame(Head).elements;
   const Directions tableFromWorld = Transpose(LoadDirections(worldFromTable));
   const Lanes originOfTable =
       CombineColumns(tableFromWorld, worldFromTable[12], worldFromTable[13], worldFromTable[14]);
   const Lanes originOfWorld = Negative(Add(originOfTable, LoadLanes(IdentityFrame + 12)));
   const Directions image = ImageOfDirections(tableFromWorld, worldFromHead);
-  directions_ = {WithW(image.u, 0.0), WithW(image.v, 0.0), WithW(image.w, 0.0)};
-  origin_ =
+  const Lanes origin =
       Add(CombineColumns(tableFromWorld, worldFromHead[12], worldFromHead[13], worldFromHead[14]),
           originOfWorld);
+  double* const m = tableFromHead_.elements;
+  StoreLanes(m, WithW(image.u, 0.0));
+  StoreLanes(m + 4, WithW(image.v, 0.0));
+  StoreLanes(m + 8, WithW(image.w, 0.0));
+  StoreLanes(m + 12, WithW(origin, 1.0));
+  tableFromHead_.type = Matrix43::RotationTranslation;
 }
+
+void TableFromHead::Move(const Vector3D& offset, Matrix43* tableFromToolPoint) const {
+  TypedFrame headFromToolPoint;
+  SetHeadFromToolPoint(offset, &headFromToolPoint);
+  FrameAccess::SetType(
+      tableFromToolPoint,
+      MultiplyFrames(tableFromHead_.elements, tableFromHead_.type, headFromToolPoint.elements,
+                     headFromToolPoint.type, FrameAccess::Elements(tableFromToolPoint)));
+}
+
+#ifdef ORVO_WIDE
+// PlaceRigid(), where need be, and Move() with a column to a register.
+ORVO_WIDE void TableFromHead::PlaceAndMoveWide(bool isPlaced, const Vector3D& offset,
+                                               Matrix43* tableFromToolPoint) {
+  WideFrame frame = LoadWide(tableFromHead_.elements);
+  if (!isPlaced) {
+    const double* const worldFromTable = chains_.Frame(Table).elements;
+    WideFrame tableFromWorld = TransposeWide(worldFromTable);
+    tableFromWorld.t = NegativeWide(CombineColumns(tableFromWorld, worldFromTable + 12) +
+                                    LoadWide(IdentityFrame).t);
+    frame = MultiplyFrameWide(ProductRule::Affine, tableFromWorld, chains_.Frame(Head).elements);
+    StoreWide(frame, tableFromHead_.elements);
+    tableFromHead_.type = Matrix43::RotationTranslation;
+  }
+  const __m256d x = NegativeWide(_mm256_set1_pd(offset[0]));
+  const __m256d y = NegativeWide(_mm256_set1_pd(offset[1]));
+  const __m256d z = NegativeWide(_mm256_set1_pd(offset[2]));
+  frame.t = AsOrigin(frame.u * x + (frame.v * y + frame.w * z) + frame.t);
+  StoreWide(frame, FrameAccess::Elements(tableFromToolPoint));
+  FrameAccess::SetType(tableFromToolPoint, Matrix43::RotationTranslation);
+}
+#endif
 
 }  // namespace Orvo::Kin

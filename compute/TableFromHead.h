@@ -21,14 +21,17 @@ class TableFromHead {
   void Compute(const double* values, const Vector3D& offset, Matrix43* tableFromToolPoint);
 
  private:
-  void Place(const double* worldFromTable, const double* worldFromHead);
+  bool IsRigid() const;
+  void Place();
+  void PlaceRigid();
+  void Move(const Vector3D& offset, Matrix43* tableFromToolPoint) const;
+  void PlaceAndMoveWide(bool isPlaced, const Vector3D& offset, Matrix43* tableFromToolPoint);
 
   FrameChains chains_;
+  bool isWide_ = HasWideLanes();
 
-  // The frame: its directions and x, y, z of its origin where it is rigid, as nearly always.
+  // The frame; where it is rigid, as nearly always, it is moved by the offset alone.
   bool isRigid_ = false;
-  Directions directions_{};
-  Lanes origin_{};
   TypedFrame tableFromHead_{};
 };
 

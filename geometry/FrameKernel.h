@@ -80,7 +80,14 @@ enum class ProductRule : unsigned char {
   RightMoved,   ///< the directions of the right factor, the sum of the origins
   LeftMoved,    ///< the directions of the left factor, the image of the right one's origin
   Affine,       ///< products of the directions, the image of the right factor's origin
-  Projective    ///< the product of two 4x4 matrices
+  Projective,   ///< the product of two 4x4 matrices
+
+  // Affine with factors of which more is known than their kinds; each may be computed as Affine.
+  // Turns come last.
+  Shifted,  ///< both factors have exact unit axes
+  TurnedX,  ///< one factor is a turn about X, Y or Z, exact but for its origin
+  TurnedY,
+  TurnedZ
 };
 
 /// A rule, and the kind of the product.
@@ -161,7 +168,11 @@ inline void MultiplyFrames(ProductRule rule, const double* a, const double* b, d
       store(left, Add(CombineColumns(left, b[12], b[13], b[14]), LoadLanes(a + 12)));
       break;
     }
-    case ProductRule::Affine: {
+    case ProductRule::Affine:
+    case ProductRule::Shifted:
+    case ProductRule::TurnedX:
+    case ProductRule::TurnedY:
+    case ProductRule::TurnedZ: {
       const Directions left = LoadDirections(a);
       store(ImageOfDirections(left, b),
             Add(CombineColumns(left, b[12], b[13], b[14]), LoadLanes(a + 12)));

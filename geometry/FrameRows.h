@@ -57,6 +57,13 @@ inline FrameRow WithOrigin(const FrameRow& row, const __m128d& origin) {
 /// for projective frames.
 inline FrameRows MultiplyRows(ProductRule rule, const double* a, const FrameRows& b) {
   const auto origin = [a](int row) { return _mm_load_sd(a + 12 + row); };
+  // The most frequent rule, before the others are told apart.
+  if (rule == ProductRule::RightMoved) {
+    const auto move = [&origin](int row, const FrameRow& from) {
+      return FrameRow{from.uv, _mm_add_sd(from.tw, origin(row))};
+    };
+    return {move(0, b.x), move(1, b.y), move(2, b.z)};
+  }
   switch (rule) {
     case ProductRule::Left:
       return LoadRows(a);
@@ -67,17 +74,15 @@ inline FrameRows MultiplyRows(ProductRule rule, const double* a, const FrameRows
     }
     case ProductRule::RightTurned:
       return {WithOrigin(b.x, origin(0)), WithOrigin(b.y, origin(1)), WithOrigin(b.z, origin(2))};
-    case ProductRule::RightMoved: {
-      const auto move = [&origin](int row, const FrameRow& from) {
-        return FrameRow{from.uv, _mm_add_sd(from.tw, origin(row))};
-      };
-      return {move(0, b.x), move(1, b.y), move(2, b.z)};
-    }
     case ProductRule::LeftMoved:
       return {WithOrigin(LoadRow(a, 0), MultiplyRow(a, 0, b).tw),
               WithOrigin(LoadRow(a, 1), MultiplyRow(a, 1, b).tw),
               WithOrigin(LoadRow(a, 2), MultiplyRow(a, 2, b).tw)};
     case ProductRule::Affine:
+    case ProductRule::Shifted:
+    case ProductRule::TurnedX:
+    case ProductRule::TurnedY:
+    case ProductRule::TurnedZ:
       return {MultiplyRow(a, 0, b), MultiplyRow(a, 1, b), MultiplyRow(a, 2, b)};
     default:
       return b;

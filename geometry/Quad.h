@@ -37,6 +37,16 @@ class Quad {
     return {_mm_andnot_pd(sign, a.low_), _mm_andnot_pd(sign, a.high_)};
   }
 
+  /// Each number of yes where that of a is larger than that of b, else that of no; so for NaN.
+  friend Quad WhereLarger(const Quad& a, const Quad& b, const Quad& yes, const Quad& no) {
+    const auto choose = [](__m128d first, __m128d second, __m128d ifLarger, __m128d ifNot) {
+      const __m128d isLarger = _mm_cmpgt_pd(first, second);
+      return _mm_or_pd(_mm_and_pd(isLarger, ifLarger), _mm_andnot_pd(isLarger, ifNot));
+    };
+    return {choose(a.low_, b.low_, yes.low_, no.low_),
+            choose(a.high_, b.high_, yes.high_, no.high_)};
+  }
+
   /// Each number no smaller than min and no larger than max, NaN as it is.
   friend Quad Clamp(const Quad& a, double min, double max) {
     const auto clamp = [least = _mm_set1_pd(min), most = _mm_set1_pd(max)](__m128d pair) {

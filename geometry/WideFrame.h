@@ -18,21 +18,25 @@ namespace Orvo {
 
 inline bool HasWideLanes() { return __builtin_cpu_supports("avx") != 0; }
 
-/// The directions of a frame in registers.
-struct WideDirections {
+/// A frame in registers, a column to each.
+struct WideFrame {
   __m256d u;
   __m256d v;
   __m256d w;
+  __m256d t;
 };
 
-ORVO_WIDE inline __m256d CombineColumns(const WideDirections& m, const double* p) {
-  return _mm256_add_pd(_mm256_mul_pd(m.u, _mm256_broadcast_sd(p)),
-                       _mm256_add_pd(_mm256_mul_pd(m.v, _mm256_broadcast_sd(p + 1)),
-                                     _mm256_mul_pd(m.w, _mm256_broadcast_sd(p + 2))));
+ORVO_WIDE inline WideFrame LoadWide(const double* m) {
+  return {_mm256_loadu_pd(m), _mm256_loadu_pd(m + 4), _mm256_loadu_pd(m + 8),
+          _mm256_loadu_pd(m + 12)};
 }
 
-/// Loads a column that was stored whole; aligned to 32 bytes.
-ORVO_WIDE inline __m256d LoadWide(const double* column) { return _mm256_load_pd(column); }
+ORVO_WIDE inline void StoreWide(const WideFrame& frame, double* m) {
+  _mm256_storeu_pd(m, frame.u);
+  _mm256_storeu_pd(m + 4, frame.v);
+  _mm256_storeu_pd(m + 8, frame.w);
+  _mm256_storeu_pd(m + 12, frame.t);
+}
 
 /// Loads a column that was stored in halves: a processor is slow to load it whole soon afterwards.
 ORVO_WIDE inline __m256d LoadHalves(const double* column) {
@@ -40,75 +44,106 @@ ORVO_WIDE inline __m256d LoadHalves(const double* column) {
                               1);
 }
 
-ORVO_WIDE inline __m256d WithW(const __m256d& a, double w) {
-  return _mm256_blend_pd(a, _mm256_set1_pd(w), 0b1000);
+ORVO_WIDE inline __m256d NegativeWide(const __m256d& a) {
+  return _mm256_xor_pd(a, _mm256_set1_pd(-0.0));
 }
 
-/// Where a frame is written to: for products to come, aligned to 32 bytes, and for the caller.
-struct WideTargets {
-  double* product;
-  double* copy;
+/// Returns the transposed directions of a frame with the fourth row 0; without an origin.
+ORVO_WIDE inline WideFrame TransposeWide(const double* m) {
+  const __m256d zero = _mm256_setzero_pd();
+  const __m256d u = LoadHalves(m);
+  const __m256d v = LoadHalves(m + 4);
+  const __m256d w = LoadHalves(m + 8);
+  const __m256d xzOfUv = _mm256_unpacklo_pd(u, v);
+  const __m256d xzOfW = _mm256_unpacklo_pd(w, zero);
+  return {_mm256_permute2f128_pd(xzOfUv, xzOfW, 0x20),
+          _mm256_permute2f128_pd(_mm256_unpackhi_pd(u, v), _mm256_unpackhi_pd(w, zero), 0x20),
+          _mm256_permute2f128_pd(xzOfUv, xzOfW, 0x31), zero};
+}
+
+ORVO_WIDE inline __m256d CombineColumns(const WideFrame& m, const double* p) {
+  return m.u * _mm256_broadcast_sd(p) +
+         (m.v * _mm256_broadcast_sd(p + 1) + m.w * _mm256_broadcast_sd(p + 2));
+}
+
+/// The same x, y, z with the fourth row of a direction, 0, or of an origin, 1.
+ORVO_WIDE inline __m256d AsDirection(const __m256d& a) {
+  return _mm256_blend_pd(a, _mm256_setzero_pd(), 0b1000);
+}
+ORVO_WIDE inline __m256d AsOrigin(const __m256d& a) {
+  return _mm256_blend_pd(a, _mm256_set1_pd(1.0), 0b1000);
+}
+
+/// Three rows or three columns.
+struct WideTriple {
+  __m256d x;
+  __m256d y;
+  __m256d z;
 };
 
-ORVO_WIDE inline void StoreWide(int place, const __m256d& column, const WideTargets& to) {
-  _mm256_store_pd(to.product + place, column);
-  _mm256_storeu_pd(to.copy + place, column);
+/// Returns the product of a turn about X, by its cosine and sine, and the matrix of some rows: the
+/// sums of all products in their order, those with 0 for the signs of zeros and for what is not
+/// finite.
+ORVO_WIDE inline WideTriple TurnWideX(double cosine, double sine, const WideTriple& b) {
+  const __m256d c = _mm256_set1_pd(cosine);
+  const __m256d s = _mm256_set1_pd(sine);
+  const __m256d zero = _mm256_setzero_pd();
+  const __m256d noX = zero * b.x;
+  return {b.x + (zero * b.y + zero * b.z), noX + (c * b.y - s * b.z), noX + (s * b.y + c * b.z)};
 }
 
-ORVO_WIDE inline void StoreWide(const WideDirections& directions, const __m256d& origin,
-                                const WideTargets& to) {
-  StoreWide(0, WithW(directions.u, 0.0), to);
-  StoreWide(4, WithW(directions.v, 0.0), to);
-  StoreWide(8, WithW(directions.w, 0.0), to);
-  StoreWide(12, WithW(origin, 1.0), to);
+/// The same for a turn about Y.
+ORVO_WIDE inline WideTriple TurnWideY(double cosine, double sine, const WideTriple& b) {
+  const __m256d c = _mm256_set1_pd(cosine);
+  const __m256d s = _mm256_set1_pd(sine);
+  const __m256d zero = _mm256_setzero_pd();
+  const __m256d noY = zero * b.y;
+  return {c * b.x + (noY + s * b.z), zero * b.x + (b.y + zero * b.z), (noY + c * b.z) - s * b.x};
 }
 
-/// Copies a frame that is aligned to 32 bytes.
-ORVO_WIDE inline void CopyFrameWide(const double* m, double* copy) {
-  for (int column = 0; column < 16; column += 4) {
-    _mm256_storeu_pd(copy + column, LoadWide(m + column));
+/// The same for a turn about Z.
+ORVO_WIDE inline WideTriple TurnWideZ(double cosine, double sine, const WideTriple& b) {
+  const __m256d c = _mm256_set1_pd(cosine);
+  const __m256d s = _mm256_set1_pd(sine);
+  const __m256d zero = _mm256_setzero_pd();
+  const __m256d noZ = zero * b.z;
+  return {c * b.x + (noZ - s * b.y), s * b.x + (c * b.y + noZ), zero * b.x + (zero * b.y + b.z)};
+}
+
+/// Returns a frame with the fourth row (0, 0, 0, 1).
+ORVO_WIDE inline WideFrame JoinColumns(const WideTriple& directions, const __m256d& origin) {
+  return {AsDirection(directions.x), AsDirection(directions.y), AsDirection(directions.z),
+          AsOrigin(origin)};
+}
+
+/// Returns the product of two frames as MultiplyFrames() does. The fourth row of both is exactly
+/// (0, 0, 0, 1). Frequent rules come first: a jump by a table costs more than the sums.
+ORVO_WIDE inline WideFrame MultiplyFrameWide(ProductRule rule, const WideFrame& a,
+                                             const double* b) {
+  if (rule == ProductRule::LeftMoved) {
+    return {a.u, a.v, a.w, AsOrigin(CombineColumns(a, b + 12) + a.t)};
   }
-}
-
-/// Does what MultiplyFrames() does, and copies the product. The left factor and the product are
-/// aligned to 32 bytes. Only rules for frames that are not projective.
-ORVO_WIDE inline void MultiplyFramesWide(ProductRule rule, const double* a, const double* b,
-                                         double* product, double* copy) {
-  const WideTargets to = {product, copy};
-  switch (rule) {
-    case ProductRule::LeftMoved: {
-      const WideDirections left = {LoadWide(a), LoadWide(a + 4), LoadWide(a + 8)};
-      StoreWide(left, _mm256_add_pd(CombineColumns(left, b + 12), LoadWide(a + 12)), to);
-      break;
-    }
-    case ProductRule::Turn:
-    case ProductRule::Affine: {
-      const WideDirections left = {LoadWide(a), LoadWide(a + 4), LoadWide(a + 8)};
-      const WideDirections image = {CombineColumns(left, b), CombineColumns(left, b + 4),
-                                    CombineColumns(left, b + 8)};
-      StoreWide(image,
-                rule == ProductRule::Turn
-                    ? _mm256_setzero_pd()
-                    : _mm256_add_pd(CombineColumns(left, b + 12), LoadWide(a + 12)),
-                to);
-      break;
-    }
-    case ProductRule::RightTurned:
-    case ProductRule::RightMoved: {
-      const WideDirections right = {LoadHalves(b), LoadHalves(b + 4), LoadHalves(b + 8)};
-      const __m256d left = LoadWide(a + 12);
-      StoreWide(right,
-                rule == ProductRule::RightMoved ? _mm256_add_pd(left, LoadHalves(b + 12)) : left,
-                to);
-      break;
-    }
-    default:
-      for (int column = 0; column < 16; column += 4) {
-        StoreWide(column, rule == ProductRule::Left ? LoadWide(a + column) : LoadHalves(b + column),
-                  to);
-      }
-      break;
+  if (rule >= ProductRule::TurnedX) {
+    // Columns turn as rows do by the opposite angle, whose sine stands where -sin does.
+    const WideTriple columns = {a.u, a.v, a.w};
+    return JoinColumns(rule == ProductRule::TurnedX   ? TurnWideX(b[5], b[9], columns)
+                       : rule == ProductRule::TurnedY ? TurnWideY(b[0], b[2], columns)
+                                                      : TurnWideZ(b[0], b[4], columns),
+                       CombineColumns(a, b + 12) + a.t);
   }
+  if (rule == ProductRule::Affine || rule == ProductRule::Shifted || rule == ProductRule::Turn) {
+    return JoinColumns(
+        {CombineColumns(a, b), CombineColumns(a, b + 4), CombineColumns(a, b + 8)},
+        rule == ProductRule::Turn ? _mm256_setzero_pd() : CombineColumns(a, b + 12) + a.t);
+  }
+  if (rule == ProductRule::Left) {
+    return a;
+  }
+  const WideFrame right = {LoadHalves(b), LoadHalves(b + 4), LoadHalves(b + 8), LoadHalves(b + 12)};
+  return rule == ProductRule::RightMoved
+             ? WideFrame{right.u, right.v, right.w, AsOrigin(a.t + right.t)}
+         : rule == ProductRule::RightTurned ? WideFrame{right.u, right.v, right.w, a.t}
+                                            : right;
 }
 
 #else

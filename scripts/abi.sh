@@ -29,7 +29,8 @@ trap 'rm -f "$log"' EXIT
 if ! {
   cmake -S . -B "$build" -G Ninja -DCMAKE_CXX_COMPILER=g++ -DCMAKE_BUILD_TYPE=Debug \
     -DCMAKE_CXX_COMPILER_LAUNCHER="$launcher" -DBUILD_SHARED_LIBS=ON -DBUILD_TESTING=OFF \
-    -DORVO_BUILD_TOOLS=OFF && cmake --build "$build" --target orvo
+    -DORVO_BUILD_TOOLS=OFF -DORVO_BUILD_PATH=OFF -DORVO_BUILD_EXCHANGE=OFF &&
+    cmake --build "$build" --target orvo
 } >"$log" 2>&1; then
   cat "$log" >&2
   echo "abi.sh: the library could not be built" >&2

@@ -16,12 +16,13 @@ if [ ! -f "$toolchain" ]; then
 fi
 
 prefix=$PWD/build/cross/$target
-# The mark holds the place, as the packages name it.
-if [ -f "$prefix/complete" ] && [ "$(cat "$prefix/complete")" = "$prefix" ]; then
+# The mark holds the place, which the packages name, and what this script was.
+mark=$(printf "%s %s" "$prefix" "$(cksum <scripts/cross-packages.sh)")
+if [ -f "$prefix/complete" ] && [ "$(cat "$prefix/complete")" = "$mark" ]; then
   exit 0
 fi
 rm -rf "$prefix"
-mkdir -p "$prefix/include" "$prefix/lib/cmake/utf8cpp" "$prefix/lib/cmake/CLI11"
+mkdir -p "$prefix/include"
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
@@ -47,25 +48,27 @@ case "$target" in *mingw32) shared=OFF ;; esac
 install_package /usr/local/src/orvo-tinyxml2 -DBUILD_SHARED_LIBS=$shared -DBUILD_TESTING=OFF
 install_package /usr/src/googletest -DBUILD_SHARED_LIBS=OFF
 
-for headers in utf8cpp CLI simde; do
+for headers in utf8cpp CLI simde nlohmann fmt; do
   cp -r "/usr/include/$headers" "$prefix/include/"
 done
-cat >"$prefix/lib/cmake/utf8cpp/utf8cppConfig.cmake" <<'END'
-if(NOT TARGET utf8cpp)
-  add_library(utf8cpp INTERFACE IMPORTED)
-  set_target_properties(utf8cpp PROPERTIES INTERFACE_INCLUDE_DIRECTORIES
-                                           "${CMAKE_CURRENT_LIST_DIR}/../../../include/utf8cpp")
+# Makes the CMake package of a library that is headers alone: its name, its target, its folder.
+headers_package() {
+  mkdir -p "$prefix/lib/cmake/$1"
+  cat >"$prefix/lib/cmake/$1/$1Config.cmake" <<END
+if(NOT TARGET $2)
+  add_library($2 INTERFACE IMPORTED)
+  set_target_properties($2 PROPERTIES INTERFACE_INCLUDE_DIRECTORIES "$prefix/$3")
 endif()
 END
-cat >"$prefix/lib/cmake/CLI11/CLI11Config.cmake" <<'END'
-if(NOT TARGET CLI11::CLI11)
-  add_library(CLI11::CLI11 INTERFACE IMPORTED)
-  set_target_properties(CLI11::CLI11 PROPERTIES INTERFACE_INCLUDE_DIRECTORIES
-                                                "${CMAKE_CURRENT_LIST_DIR}/../../../include")
-endif()
-END
+}
+headers_package utf8cpp utf8cpp include/utf8cpp
+headers_package CLI11 CLI11::CLI11 include
+headers_package nlohmann_json nlohmann_json::nlohmann_json include
+headers_package fmt fmt::fmt-header-only include
+printf '%s\n' 'set_property(TARGET fmt::fmt-header-only PROPERTY INTERFACE_COMPILE_DEFINITIONS' \
+  '             FMT_HEADER_ONLY=1)' >>"$prefix/lib/cmake/fmt/fmtConfig.cmake"
 # Wine's folder is made before several programs start at once.
 case "$target" in
   *mingw32) scripts/run-under-wine.sh wineboot --init >/dev/null 2>&1 ;;
 esac
-printf '%s\n' "$prefix" >"$prefix/complete"
+printf "%s\n" "$mark" >"$prefix/complete"

@@ -8,12 +8,12 @@
 #                                                         the runs have found: few inputs that reach
 #                                                         every branch reached; named ones stay
 #
-# Targets: read_xml stl package round_trip compute, or all. What a run finds worth keeping lies in
-# build/fuzz/inputs/, where the next run starts from; findings lie in build/fuzz/findings/.
+# Targets: read_xml stl package round_trip compute path json, or all. What a run finds worth keeping
+# lies in build/fuzz/inputs/, where the next run starts from; findings lie in build/fuzz/findings/.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-all_targets=(read_xml stl package round_trip compute)
+all_targets=(read_xml stl package round_trip compute path json)
 build=build/fuzz
 seconds=60
 jobs=1

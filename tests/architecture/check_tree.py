@@ -22,6 +22,10 @@ LAYERS = {
     "io": {"geometry", "model", "io"},
 }
 
+# Libraries on top of the public headers alone, not of each other: the folder, and the prefix of its
+# own public headers, which lie in its include/. Those may include what a public header may.
+SECOND_LAYERS = {"path": "Orvo/Path/", "exchange": "Orvo/Exchange/"}
+
 # Users of the library: public headers, and headers that lie beside the source.
 # The plain computation can't be had from outside: the benchmarks reach for its switch.
 PRIVATE_USERS = {"benchmarks/PlainPath.cpp"}
@@ -30,7 +34,9 @@ USERS = ["tools", "examples", "benchmarks", "python", "viewer", "tests/interface
 # Headers of other projects, and the folders of the library that may include them.
 THIRD_PARTY = [
     (re.compile(r"tinyxml2\.h$"), {"io"}),
-    (re.compile(r"utf8(/.*|\.h)$"), {"io"}),
+    (re.compile(r"utf8(/.*|\.h)$"), {"io", "path", "exchange"}),
+    (re.compile(r"nlohmann/"), {"path", "exchange"}),
+    (re.compile(r"fmt/"), {"path"}),
     (re.compile(r"(CLI|gtest|gmock|benchmark)/"), set()),
 ]
 
@@ -38,8 +44,8 @@ THIRD_PARTY = [
 PUBLIC_EXTRAS = {"Orvo/Simd128.h": {"emmintrin.h", "simde/x86/sse2.h"}}
 
 # Sources whose text is checked: all code that people write here.
-CODE_FOLDERS = ["include", "geometry", "model", "compute", "io", "tools", "examples", "tests", "cmake",
-                "scripts", "fuzz", "benchmarks", "python", "viewer", "packaging", ".ci"]
+CODE_FOLDERS = ["include", "geometry", "model", "compute", "io", "path", "exchange", "tools",
+                "examples", "tests", "cmake", "scripts", "fuzz", "benchmarks", "python", "viewer", "packaging", ".ci"]
 CODE_SUFFIXES = {".h", ".cpp", ".py", ".sh", ".cmake", ".in"}
 CODE_NAMES = {"CMakeLists.txt", "CMakePresets.json", "setup.sh", "test.sh", "demo.sh", "run"}
 
@@ -92,8 +98,10 @@ def is_standard(name):
 
 
 def is_public_header(root, name):
-    """Public headers lie in include/, or are made of what lies there."""
-    return any((root / "include" / (name + suffix)).is_file() for suffix in ("", ".in"))
+    """Public headers lie in an include folder, or are made of what lies there."""
+    folders = ["include"] + [f"{layer}/include" for layer in SECOND_LAYERS]
+    return any((root / folder / (name + suffix)).is_file()
+               for folder in folders for suffix in ("", ".in"))
 
 
 def check_library_include(root, layer, file, quote, name):
@@ -104,6 +112,8 @@ def check_library_include(root, layer, file, quote, name):
             return f'{layer} may not include "{name}"'
         return None if (root / name).is_file() else f'"{name}" is no file of the project'
     if name.startswith("Orvo/"):
+        if any(name.startswith(prefix) for prefix in SECOND_LAYERS.values()):
+            return f"{layer} may not include <{name}>"
         return None if is_public_header(root, name) else f"<{name}> is no public header"
     for pattern, folders in THIRD_PARTY:
         if pattern.match(name):
@@ -114,7 +124,30 @@ def check_library_include(root, layer, file, quote, name):
     return None
 
 
+def check_second_include(root, layer, file, quote, name):
+    """The fault of one include line of a library on top of the first, or None."""
+    is_public = file.startswith(f"{layer}/include/")
+    if quote == '"':
+        good = not is_public and name.startswith(layer + "/") and (root / name).is_file()
+        return None if good else f'{layer} may not include "{name}"'
+    if name.startswith("Orvo/"):
+        if any(name.startswith(prefix) for other, prefix in SECOND_LAYERS.items() if other != layer):
+            return f"{layer} may not include <{name}>"
+        return None if is_public_header(root, name) else f"<{name}> is no public header"
+    for pattern, folders in THIRD_PARTY:
+        if pattern.match(name) and (is_public or layer not in folders):
+            return f"{layer} may not include <{name}>"
+    return f"a public header may not include <{name}>" if is_public and not is_standard(name) else None
+
+
 def check_include_directions(root):
+    for layer in SECOND_LAYERS:
+        for file, text in sources(root, layer):
+            code = without_comments(text)
+            for match in INCLUDE.finditer(code):
+                fault = check_second_include(root, layer, file, match.group(1), match.group(2))
+                if fault:
+                    yield file, line_of(code, match.start()), fault
     for layer in LAYERS:
         for file, text in sources(root, layer):
             code = without_comments(text)
@@ -128,7 +161,8 @@ def check_include_directions(root):
             for match in INCLUDE.finditer(code):
                 quote, name = match.groups()
                 beside = (root / file).parent / name
-                private = name.split("/")[0] in LAYERS or name.startswith("tests/")
+                private = (name.split("/")[0] in {*LAYERS, *SECOND_LAYERS}
+                           or name.startswith("tests/"))
                 if name.startswith("Orvo/"):
                     good = quote == "<" and is_public_header(root, name)
                 elif quote == '"':
@@ -141,7 +175,7 @@ def check_include_directions(root):
 
 
 def check_output(root):
-    for layer in LAYERS:
+    for layer in [*LAYERS, *SECOND_LAYERS]:
         for file, text in sources(root, layer):
             code = without_comments(text)
             for match in INCLUDE.finditer(code):

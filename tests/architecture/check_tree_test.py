@@ -53,6 +53,22 @@ FILES = {
         "#include <iostream>\nvoid F() {\n  printf(\"x\");\n  std::cerr << 1;\n  fputs(t, stderr);\n"
         "  std::abort();\n  exit(1);\n  assert(t);\n}\n",
         {"output": [1, 3, 4, 5, 6, 7, 8]}),
+    "path/include/Orvo/Path/Open.h": (
+        '#include <Orvo/Good.h>\n#include <string>\n#include <nlohmann/json.hpp>\n'
+        '#include "path/Close.h"\n',
+        {"include-directions": [3, 4]}),
+    "path/Close.h": (
+        '#include <Orvo/Path/Open.h>\n#include <nlohmann/json.hpp>\n#include <tinyxml2.h>\n'
+        '#include "geometry/Kernel.h"\n#include "path/Close.h"\n#include <Orvo/Path/Gone.h>\n'
+        "int c = printf(text);\n",
+        {"include-directions": [3, 4, 6], "output": [7]}),
+    "exchange/include/Orvo/Exchange/Door.h": ("#include <Orvo/Good.h>\n", {}),
+    "exchange/Beside.cpp": (
+        '#include <Orvo/Exchange/Door.h>\n#include <nlohmann/json.hpp>\n#include <Orvo/Path/Open.h>\n'
+        '#include "path/Close.h"\n#include <fmt/format.h>\n',
+        {"include-directions": [3, 4, 5]}),
+    "model/Upward.cpp": ("#include <Orvo/Path/Open.h>\n#include <fmt/format.h>\n",
+                         {"include-directions": [1, 2]}),
     "io/Text.cpp": ("// plain\n// gr\u00fcn\n", {"ascii": [2]}),
     "scripts/do.sh": (f"# {REMINDER} later\ncd /" "home/somebody\n", {"words": [1, 2]}),
     "examples/use/home/a.cpp": ("// see docs/home/page and autoTODOs\n", {}),

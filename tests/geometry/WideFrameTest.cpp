@@ -7,9 +7,11 @@
 #include "geometry/FrameKernel.h"
 #include "geometry/FrameRows.h"
 #include "geometry/FrameTwin.h"
+#include "geometry/PrincipalAxis.h"
 #include "geometry/Quad.h"
 #include "geometry/VectorKernel.h"
 #include "geometry/WideFrame.h"
+#include "geometry/WideRows.h"
 #include "support/SameBits.h"
 #include "support/TestRandom.h"
 
@@ -77,16 +79,35 @@ Frame16 WithExactFourthRow(Frame16 frame) {
 
 #ifdef ORVO_WIDE
 
-// The caller's copy stands anywhere.
-struct Copy {
-  double before = 4.0;
-  double m[16];
-  double after = 5.0;
-};
+// The two ways to a product with whole registers: by columns and by rows.
+ORVO_WIDE void MultiplyByColumns(ProductRule rule, const Frame16& a, const Frame16& b,
+                                 double* product) {
+  StoreWide(MultiplyFrameWide(rule, LoadWide(a.m), b.m), product);
+}
 
-ORVO_WIDE void MultiplyWide(ProductRule rule, const Frame16& a, const Frame16& b, Frame16* product,
-                            double* copy) {
-  MultiplyFramesWide(rule, a.m, b.m, product->m, copy);
+ORVO_WIDE void MultiplyByRows(ProductRule rule, const Frame16& a, const Frame16& b,
+                              double* product) {
+  StoreWide(FrameOfRows(MultiplyRowsWide(rule, a.m, RowsOfFrame(b.m))), product);
+}
+
+// Compares both ways with the kernel. Frames of callers stand at any multiple of 16 bytes.
+testing::AssertionResult MultipliesAsKernel(ProductRule rule, const Frame16& a, const Frame16& b) {
+  Frame16 expected;
+  MultiplyFrames(rule, a.m, b.m, expected.m);
+  for (const auto multiply : {MultiplyByColumns, MultiplyByRows}) {
+    alignas(32) double product[20] = {};
+    product[1] = 4.0;
+    product[18] = 5.0;
+    multiply(rule, a, b, product + 2);
+    const testing::AssertionResult result = SameBits(product + 2, expected.m, 16, "the product's");
+    if (!result) {
+      return result;
+    }
+    if (product[1] != 4.0 || product[18] != 5.0) {
+      return testing::AssertionFailure() << "written outside the product";
+    }
+  }
+  return testing::AssertionSuccess();
 }
 
 TEST(WideFrame, MultipliesAsTheKernelByAllRulesBitForBit) {
@@ -98,42 +119,114 @@ TEST(WideFrame, MultipliesAsTheKernelByAllRulesBitForBit) {
   for (const ProductRule rule : AffineRules) {
     SCOPED_TRACE(static_cast<int>(rule));
     for (int i = 0; i < 4000; ++i) {
-      const Frame16 a = DrawFrame(random);
-      const Frame16 b = DrawFrame(random);
-      Frame16 expected;
-      MultiplyFrames(rule, a.m, b.m, expected.m);
-      Frame16 product;
-      Copy copy;
-      MultiplyWide(rule, a, b, &product, copy.m);
-      ASSERT_TRUE(SameBits(product.m, expected.m, 16, "the product's")) << i;
-      ASSERT_TRUE(SameBits(copy.m, expected.m, 16, "the copy's")) << i;
-      ASSERT_EQ(copy.before, 4.0);
-      ASSERT_EQ(copy.after, 5.0);
+      const Frame16 a = WithExactFourthRow(DrawFrame(random));
+      const Frame16 b = WithExactFourthRow(DrawFrame(random));
+      ASSERT_TRUE(MultipliesAsKernel(rule, a, b)) << i;
     }
   }
 }
 
-ORVO_WIDE void CopyWide(const Frame16& frame, double* copy) { CopyFrameWide(frame.m, copy); }
+// A turn about a principal axis by any cosine and sine, with any origin.
+Frame16 DrawTurn(TestRandom& random, Direction axis) {
+  Frame16 turn;
+  CopyFrame(IdentityFrame, turn.m);
+  const double c = random.Chance(0.5) ? random.Real(-1.0, 1.0) : DrawAny(random);
+  const double s = random.Chance(0.5) ? random.Real(-1.0, 1.0) : DrawAny(random);
+  const Directions directions = PrincipalTurn(axis, s, c);
+  StoreLanes(turn.m, WithW(directions.u, 0.0));
+  StoreLanes(turn.m + 4, WithW(directions.v, 0.0));
+  StoreLanes(turn.m + 8, WithW(directions.w, 0.0));
+  for (int i = 12; i < 15; ++i) {
+    turn.m[i] = DrawAny(random);
+  }
+  return turn;
+}
 
-TEST(WideFrame, CopiesEveryBit) {
+TEST(WideFrame, TurnsAsTheKernelMultipliesBitForBit) {
+  if (!HasWideLanes()) {
+    return;
+  }
+  TestRandom random;
+  SCOPED_TRACE(random.Trace());
+  const ProductRule rules[] = {ProductRule::TurnedX, ProductRule::TurnedY, ProductRule::TurnedZ};
+  for (const Direction axis : {X, Y, Z}) {
+    SCOPED_TRACE(static_cast<int>(axis));
+    for (int i = 0; i < 4000; ++i) {
+      const Frame16 other = WithExactFourthRow(DrawFrame(random));
+      const Frame16 turn = DrawTurn(random, axis);
+      // The turn stands on the right where columns are multiplied, and on the left of rows.
+      Frame16 expected;
+      Frame16 product;
+      MultiplyFrames(ProductRule::Affine, other.m, turn.m, expected.m);
+      MultiplyByColumns(rules[axis], other, turn, product.m);
+      ASSERT_TRUE(SameBits(product.m, expected.m, 16, "the columns'")) << i;
+      MultiplyFrames(ProductRule::Affine, turn.m, other.m, expected.m);
+      MultiplyByRows(rules[axis], turn, other, product.m);
+      ASSERT_TRUE(SameBits(product.m, expected.m, 16, "the rows'")) << i;
+    }
+  }
+}
+
+TEST(WideFrame, ShiftsAsTheKernelMultipliesBitForBit) {
+  if (!HasWideLanes()) {
+    return;
+  }
+  TestRandom random;
+  SCOPED_TRACE(random.Trace());
+  for (int i = 0; i < 4000; ++i) {
+    Frame16 shifts[2];
+    for (Frame16& shift : shifts) {
+      CopyFrame(IdentityFrame, shift.m);
+      for (int k = 12; k < 15; ++k) {
+        shift.m[k] = DrawAny(random);
+      }
+    }
+    ASSERT_TRUE(MultipliesAsKernel(ProductRule::Shifted, shifts[0], shifts[1])) << i;
+  }
+}
+
+ORVO_WIDE void TransposeColumns(const Frame16& frame, double* transposed) {
+  StoreWide(TransposeWide(frame.m), transposed);
+}
+
+TEST(WideFrame, TransposesAsTheKernel) {
+  if (!HasWideLanes()) {
+    return;
+  }
+  TestRandom random;
+  SCOPED_TRACE(random.Trace());
+  for (int i = 0; i < 100; ++i) {
+    const Frame16 frame = DrawFrame(random);
+    Frame16 transposed;
+    TransposeColumns(frame, transposed.m);
+    const Directions expected = Transpose(LoadDirections(frame.m));
+    Frame16 kernel;
+    StoreLanes(kernel.m, expected.u);
+    StoreLanes(kernel.m + 4, expected.v);
+    StoreLanes(kernel.m + 8, expected.w);
+    ASSERT_TRUE(SameBits(transposed.m, kernel.m, 12, "the directions'")) << i;
+  }
+}
+
+ORVO_WIDE void CopyWide(const double* frame, double* copy) { StoreWide(LoadWide(frame), copy); }
+
+TEST(WideFrame, ComesBackWithEveryBit) {
   if (!HasWideLanes()) {
     return;
   }
   TestRandom random;
   SCOPED_TRACE(random.Trace());
   for (int i = 0; i < 1000; ++i) {
-    Frame16 frame;
-    for (double& element : frame.m) {
+    double frame[16];
+    for (double& element : frame) {
       const std::uint64_t bits = random.Bits();
       std::memcpy(&element, &bits, sizeof element);
     }
-    Copy copy;
-    CopyWide(frame, copy.m);
+    double copy[16];
+    CopyWide(frame, copy);
     for (int k = 0; k < 16; ++k) {
-      ASSERT_EQ(std::bit_cast<std::uint64_t>(frame.m[k]), std::bit_cast<std::uint64_t>(copy.m[k]));
+      ASSERT_EQ(std::bit_cast<std::uint64_t>(frame[k]), std::bit_cast<std::uint64_t>(copy[k]));
     }
-    ASSERT_EQ(copy.before, 4.0);
-    ASSERT_EQ(copy.after, 5.0);
   }
 }
 
@@ -229,6 +322,8 @@ TEST(Quad, ComputesEachNumberAsAlone) {
     ASSERT_TRUE(EachIs(Clamp(qa, -1.0, 1.0), [&](int k) { return std::clamp(a.n[k], -1.0, 1.0); }));
     ASSERT_TRUE(EachIs(NegateWhereNegative(qa, qb),
                        [&](int k) { return b.n[k] < 0.0 ? -a.n[k] : a.n[k]; }));
+    ASSERT_TRUE(EachIs(WhereLarger(qa, qb, Quad(7.0), qa),
+                       [&](int k) { return a.n[k] > b.n[k] ? 7.0 : a.n[k]; }));
     bool isAnyBelow = false;
     bool areAllInOrder = true;
     for (int k = 0; k < 4; ++k) {

@@ -88,6 +88,15 @@ elseif(STEP STREQUAL "inspect")
     ${SOURCE_DIR}/include/*)
   list(TRANSFORM wanted REPLACE "\\.in$" "")
   file(
+    GLOB_RECURSE wanted_of_path
+    RELATIVE ${SOURCE_DIR}/path/include
+    ${SOURCE_DIR}/path/include/*)
+  file(
+    GLOB_RECURSE wanted_of_exchange
+    RELATIVE ${SOURCE_DIR}/exchange/include
+    ${SOURCE_DIR}/exchange/include/*)
+  list(APPEND wanted ${wanted_of_path} ${wanted_of_exchange})
+  file(
     GLOB_RECURSE found
     RELATIVE ${PREFIX}/include
     ${PREFIX}/include/*)
@@ -133,6 +142,16 @@ elseif(STEP STREQUAL "find_package")
       -DCMAKE_FIND_USE_PACKAGE_REGISTRY=OFF)
   run(${CMAKE_COMMAND} --build ${WORK_DIR})
   check_consumer(${WORK_DIR}/consumer)
+  execute_process(COMMAND ${WORK_DIR}/path_consumer OUTPUT_VARIABLE output COMMAND_ERROR_IS_FATAL
+                                                                    ANY)
+  if(NOT output STREQUAL "1 of 1 points\n")
+    message(FATAL_ERROR "path_consumer printed ${output}")
+  endif()
+  execute_process(COMMAND ${WORK_DIR}/exchange_consumer OUTPUT_VARIABLE output
+                                                                        COMMAND_ERROR_IS_FATAL ANY)
+  if(NOT output STREQUAL "6 elements\n")
+    message(FATAL_ERROR "exchange_consumer printed ${output}")
+  endif()
 
 elseif(STEP STREQUAL "pkg_config")
   file(REMOVE_RECURSE ${WORK_DIR})

@@ -21,8 +21,8 @@ TEST(CommandLine, HelpAndVersionAreAnswers) {
   const std::vector<Case> cases = {
       {{"--help"}, "Usage: orvo COMMAND ...\n"},
       {{"-h"}, "Usage: orvo COMMAND ...\n"},
-      {{"info", "--help"}, "Usage: orvo info MACHINE.xml\n"},
-      {{"solve", "--help"}, "Usage: orvo solve MACHINE.xml PATH.csv [OPTIONS] -o AXES.csv\n"},
+      {{"info", "--help"}, "Usage: orvo info MACHINE [OPTIONS]\n"},
+      {{"solve", "--help"}, "Usage: orvo solve MACHINE PATH [OPTIONS]\n"},
       {{"--version"}, "orvo "},
   };
   for (const Case& c : cases) {
@@ -73,11 +73,10 @@ TEST(CommandLine, WrongUseIsStatusOne) {
       {{"frob"}, "orvo: there is no command 'frob'\nTry: orvo --help\n"},
       {{"--frob"}, "orvo: there is no option '--frob'\nTry: orvo --help\n"},
       {{""}, "orvo: a command is needed\n"},
-      {{"info"}, "orvo info: MACHINE.xml is required\nTry: orvo info --help\n"},
+      {{"info"}, "orvo info: MACHINE is required\nTry: orvo info --help\n"},
       {{"info", machine, "more"}, "orvo info: "},
-      {{"solve"}, "orvo solve: MACHINE.xml is required"},
-      {{"solve", machine}, "orvo solve: PATH.csv is required"},
-      {{"solve", machine, path}, "orvo solve: --output is required"},
+      {{"solve"}, "orvo solve: MACHINE is required"},
+      {{"solve", machine}, "orvo solve: PATH is required"},
       {{"solve", machine, path, "-o"}, "orvo solve: "},
       {{"solve", machine, path, "-o", axes, "--frob"}, "--frob"},
       {{"solve", machine, path, "-o", axes, "--offset", "1,2"},

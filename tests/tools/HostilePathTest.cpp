@@ -104,7 +104,7 @@ TEST(HostilePath, NoPointsIsAFault) {
   const std::string path = tool.Write("path.csv", "x,y,z,i,j,k\n# 1,2,3,0,0,1\n");
   const ToolResult result = SolveFile(tool, path);
   EXPECT_EQ(result.status, 2);
-  EXPECT_EQ(result.err, path + ": no point follows the first line\n");
+  EXPECT_EQ(result.err, path + ": the path has no point\n");
   EXPECT_EQ(tool.CountFiles(), 1U);
 }
 

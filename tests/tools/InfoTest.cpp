@@ -64,12 +64,12 @@ TEST(Info, VerdictTellsWhatIsMissing) {
   };
   const Case cases[] = {
       {true, true, 3, 0, "Machine: valid, ready to compute\n"},
-      {false, true, 3, 2,
+      {false, true, 3, 3,
        "Machine: not valid: no element is a HEAD, so nothing carries the tool\n"},
-      {true, false, 3, 2,
+      {true, false, 3, 3,
        "Machine: not valid: no element is a TABLE, so nothing carries the workpiece\n"},
-      {true, true, 2, 2, "Machine: not valid: fewer than three axes are linear\n"},
-      {false, false, 0, 2, "Machine: not valid: no element is a HEAD"},
+      {true, true, 2, 3, "Machine: not valid: fewer than three axes are linear\n"},
+      {false, false, 0, 3, "Machine: not valid: no element is a HEAD"},
   };
   for (const Case& c : cases) {
     const ToolRun tool;
@@ -91,7 +91,7 @@ TEST(Info, VerdictTellsWhatIsMissing) {
     if (c.status != 0) {
       const ToolResult solve =
           tool.Run({"solve", file, ExamplePath("cam_groove_radial"), "-o", tool.File("axes.csv")});
-      EXPECT_EQ(solve.status, 2);
+      EXPECT_EQ(solve.status, 3);
       EXPECT_THAT(solve.err, HasSubstr(file + ": the machine is not valid: "));
       EXPECT_FALSE(tool.Folder().Has("axes.csv"));
     }
@@ -106,7 +106,7 @@ TEST(Info, FaultyParentsAreShown) {
   machine.AddEntityLinear(L"Second", 1, AxisY);
   machine.AddEntityLinear(L"Orphan", 77, AxisZ);
   const ToolResult result = tool.Run({"info", WriteMachine(tool, &machine)});
-  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.status, 3);
   EXPECT_THAT(result.out, HasSubstr("the parents of some elements form a cycle"));
   EXPECT_THAT(result.out, HasSubstr("parent 77 not found"));
   EXPECT_THAT(result.out, HasSubstr("First"));
@@ -130,7 +130,7 @@ TEST(Info, OddThingsAreShown) {
   system.SetMainLinear(3, 4, Kin::Register());
   machine.AddProgramSystem(system);
   const ToolResult result = tool.Run({"info", WriteMachine(tool, &machine)});
-  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.status, 3);
   for (const char* part :
        {"(no name)", "not checked", "mounting", "undefined", "can't be placed", "?[2JHead?",
         "5 (not found)", "-1 (not found)", "(no name), R4 (no axis), none", "none, none"}) {
@@ -148,7 +148,7 @@ TEST(Info, DeepChainStaysReadable) {
     machine.AddEntityLinear(L"S", i, AxisX);
   }
   const ToolResult result = tool.Run({"info", WriteMachine(tool, &machine)});
-  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.status, 3);
   EXPECT_THAT(result.out, HasSubstr("[level 4999] S"));
   EXPECT_LT(result.out.size(), static_cast<std::size_t>(depth) * 200);
 }

@@ -52,18 +52,18 @@ TEST(OutputFile, DeviceIsWrittenTo) {
   EXPECT_EQ(piped.out, "X,Y,Z,A,C,solutions,flags\n");
 }
 
-// A full disk is an error, status 3, and nothing is left.
+// A full disk is an error, status 2, and nothing is left.
 TEST(OutputFile, FullDiskIsAnError) {
   const ToolRun tool;
   const ToolResult full = tool.Shell(SolveLine("/dev/full"));
-  EXPECT_EQ(full.status, 3);
+  EXPECT_EQ(full.status, 2);
   EXPECT_EQ(full.out, "");
   EXPECT_EQ(full.err, "/dev/full: can't be written: No space left on device\n");
   EXPECT_TRUE(std::filesystem::is_character_file("/dev/full"));
 
   tool.Write("axes.csv", "older");
   const ToolResult limited = tool.Shell("ulimit -f 100; " + SolveLine("axes.csv"));
-  EXPECT_EQ(limited.status, 3);
+  EXPECT_EQ(limited.status, 2);
   EXPECT_EQ(limited.signal, 0);
   EXPECT_EQ(limited.err, "axes.csv: can't be written: File too large\n");
   EXPECT_EQ(tool.Folder().Read("axes.csv"), "older");
@@ -76,7 +76,7 @@ TEST(OutputFile, FullDiskIsSeenForAShortResult) {
   tool.Write("path.csv", "x,y,z,i,j,k\n1,2,3,0,0,1\n");
   const ToolResult result =
       tool.Shell("\"$ORVO\" solve '" + ExampleMachine("trunnion_ac") + "' path.csv -o /dev/full");
-  EXPECT_EQ(result.status, 3);
+  EXPECT_EQ(result.status, 2);
   EXPECT_EQ(result.out, "");
 }
 
@@ -84,11 +84,11 @@ TEST(OutputFile, FullDiskIsSeenForAShortResult) {
 TEST(OutputFile, ImpossiblePlacesAreNamed) {
   const ToolRun tool;
   const ToolResult missing = tool.Shell(SolveLine("no/such/axes.csv"));
-  EXPECT_EQ(missing.status, 3);
+  EXPECT_EQ(missing.status, 2);
   EXPECT_EQ(missing.err, "no/such/axes.csv: can't be made: No such file or directory\n");
   std::filesystem::create_directory(tool.Folder().File("folder"));
   const ToolResult folder = tool.Shell(SolveLine("folder"));
-  EXPECT_EQ(folder.status, 3);
+  EXPECT_EQ(folder.status, 2);
   EXPECT_EQ(folder.err, "folder: is a folder\n");
   EXPECT_EQ(tool.CountFiles(), 1U);
 }
@@ -99,7 +99,7 @@ TEST(OutputFile, StandardOutputIsChecked) {
   for (const std::string& command : {"\"$ORVO\" info '" + ExampleMachine("trunnion_ac") + "'",
                                      std::string("\"$ORVO\" --help"), SolveLine("axes.csv")}) {
     const ToolResult result = tool.Shell(command + " >/dev/full");
-    EXPECT_EQ(result.status, 3) << command;
+    EXPECT_EQ(result.status, 2) << command;
     EXPECT_THAT(result.err, StartsWith("orvo: the standard output can't be written")) << command;
   }
 }

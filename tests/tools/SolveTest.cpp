@@ -486,7 +486,7 @@ TEST(Solve, ColumnsHaveSafeAndUniqueNames) {
 }
 
 // Program systems that can't be computed with are told apart from paths that can't be solved.
-TEST(Solve, UnusableProgramSystemIsAnInputFault) {
+TEST(Solve, UnusableProgramSystemIsAFaultOfTheMachine) {
   const ToolRun tool;
   WriteMachine(tool, {L"X", L"Y", L"Z", L"C", L"A"}, AxisX);
   const std::string path = tool.Write("path.csv", "x,y,z,i,j,k\n1,2,3,0,0,1\n");
@@ -499,7 +499,7 @@ TEST(Solve, UnusableProgramSystemIsAnInputFault) {
         Case{"NoLinear", "program system 3 (NoLinear): its linear axes can't be computed: its reg"},
         Case{"4", "program system 4 (RotaryIsLinear): its rotary axes can't be computed: its r"}}) {
     const Solved solved = Solve(tool, tool.File("machine.xml"), path, {"-p", c.system});
-    EXPECT_EQ(solved.result.status, 2);
+    EXPECT_EQ(solved.result.status, 3);
     EXPECT_EQ(solved.result.out, "");
     EXPECT_THAT(solved.result.err, HasSubstr("machine.xml: " + c.what));
     EXPECT_TRUE(solved.rows.empty());

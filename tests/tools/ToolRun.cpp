@@ -86,6 +86,31 @@ ToolResult Wait(pid_t child) {
   return result;
 }
 
+/// Runs what `start` starts with a terminal as its error stream; `finish` gets what the terminal
+/// got.
+template <typename Starter, typename Finisher>
+ToolResult RunWithTerminal(const Starter& start, const Finisher& finish) {
+  const int controller = posix_openpt(O_RDWR | O_NOCTTY);
+  if (controller < 0 || grantpt(controller) != 0 || unlockpt(controller) != 0) {
+    throw std::runtime_error("there is no terminal to be had");
+  }
+  const int terminal = open(ptsname(controller), O_RDWR | O_NOCTTY);
+  fcntl(controller, F_SETFD, FD_CLOEXEC);
+  fcntl(terminal, F_SETFD, FD_CLOEXEC);
+  const pid_t child = start(terminal);
+  close(terminal);
+  std::string seen;
+  char chunk[4096];
+  // Reading fails when the program, the last to hold the terminal, has ended.
+  for (ssize_t count = 0; (count = read(controller, chunk, sizeof chunk)) > 0;) {
+    seen.append(chunk, static_cast<std::size_t>(count));
+  }
+  close(controller);
+  ToolResult result = Wait(child);
+  finish(seen, &result);
+  return result;
+}
+
 std::vector<std::string> WithProgram(const std::vector<std::string>& arguments) {
   std::vector<std::string> all = {ORVO_TOOL_PATH};
   all.insert(all.end(), arguments.begin(), arguments.end());
@@ -111,27 +136,30 @@ ToolResult ToolRun::Shell(const std::string& line) const {
 }
 
 ToolResult ToolRun::RunAtTerminal(const std::vector<std::string>& arguments) const {
-  const int controller = posix_openpt(O_RDWR | O_NOCTTY);
-  if (controller < 0 || grantpt(controller) != 0 || unlockpt(controller) != 0) {
-    throw std::runtime_error("there is no terminal to be had");
-  }
-  const int terminal = open(ptsname(controller), O_RDWR | O_NOCTTY);
-  fcntl(controller, F_SETFD, FD_CLOEXEC);
-  fcntl(terminal, F_SETFD, FD_CLOEXEC);
   const TemporaryFolder streams;
-  const pid_t child = Start(WithProgram(arguments), streams.Narrow("out"), terminal, "");
-  close(terminal);
-  std::string err;
-  char chunk[4096];
-  // Reading fails when the program, the last to hold the terminal, has ended.
-  for (ssize_t count = 0; (count = read(controller, chunk, sizeof chunk)) > 0;) {
-    err.append(chunk, static_cast<std::size_t>(count));
-  }
-  close(controller);
-  ToolResult result = Wait(child);
-  result.out = streams.Read("out");
-  result.err = err;
-  return result;
+  return RunWithTerminal(
+      [&streams, &arguments](int terminal) {
+        return Start(WithProgram(arguments), streams.Narrow("out"), terminal, "");
+      },
+      [&streams](const std::string& seen, ToolResult* result) {
+        result->out = streams.Read("out");
+        result->err = seen;
+      });
+}
+
+ToolResult ToolRun::ShellAtTerminal(const std::string& line) const {
+  const TemporaryFolder streams;
+  const std::string err = streams.Narrow("err");
+  const std::string inFolder =
+      "cd '" + folder_.Path().string() + "'; exec 1>&2 2>'" + err + "'; " + line;
+  return RunWithTerminal(
+      [&streams, &inFolder](int terminal) {
+        return Start({"/bin/sh", "-c", inFolder}, streams.Narrow("out"), terminal, "");
+      },
+      [&streams](const std::string& seen, ToolResult* result) {
+        result->out = seen;
+        result->err = streams.Read("err");
+      });
 }
 
 ToolResult ToolRun::RunEndlessPathAndSignal(const std::vector<std::string>& arguments,

@@ -30,6 +30,10 @@ class ToolRun {
   /// Runs it with a terminal as its error stream; `err` holds what the terminal got.
   ToolResult RunAtTerminal(const std::vector<std::string>& arguments) const;
 
+  /// Runs a line for the shell, see Shell(), with a terminal as its standard output; `out` holds
+  /// what the terminal got, with its line ends.
+  ToolResult ShellAtTerminal(const std::string& line) const;
+
   /// Makes a pipe from which a path without end comes, runs the program, and sends it a signal once
   /// it has begun to write its result.
   ToolResult RunEndlessPathAndSignal(const std::vector<std::string>& arguments,

@@ -1,19 +1,11 @@
 #pragma once
 
+#include "ExitCode.h"
+
 #include <stdexcept>
 #include <string>
 
 namespace OrvoTool {
-
-/// What the program's exit status says. Scripts rely on the numbers.
-enum class ExitCode : int {
-  Success = 0,      ///< everything asked for was done; every point is solved
-  Usage = 1,        ///< the command line is wrong
-  Input = 2,        ///< a file can't be read, or does not hold what it must
-  Output = 3,       ///< the result can't be written
-  Unreachable = 4,  ///< some points can't be reached, whatever else
-  OutOfRange = 5    ///< all points are reached, some of them outside the range of an axis
-};
 
 /// Ends the program: the message goes to the error stream as it is, the code becomes the status.
 class Failure : public std::runtime_error {
@@ -24,6 +16,13 @@ class Failure : public std::runtime_error {
 
  private:
   ExitCode code_;
+};
+
+/// Ends the program because of its command line. "orvo COMMAND: " is put in front of the message,
+/// which begins with the option or argument that it is about.
+class UsageFailure : public Failure {
+ public:
+  explicit UsageFailure(const std::string& message) : Failure(ExitCode::Usage, message) {}
 };
 
 }  // namespace OrvoTool

@@ -1,26 +1,10 @@
 #pragma once
 
-#include "Failure.h"
-
-#include <string>
-
-namespace CLI {
-class App;
-}
+#include "Command.h"
 
 namespace OrvoTool {
 
-/// What the command line of `orvo info` says.
-struct InfoOptions {
-  std::string machine;
-};
-
-/// Adds `orvo info`, which shows what a machine file holds.
-CLI::App* AddInfoCommand(CLI::App* app, InfoOptions* options);
-
-/// Runs it.
-/// @return Success, or Input when the machine is not valid
-/// @throws Failure
-ExitCode RunInfo(const InfoOptions& options);
+/// Adds the options of `orvo info`, which shows what a machine file holds.
+CommandAction AddInfoCommand(CLI::App* command);
 
 }  // namespace OrvoTool

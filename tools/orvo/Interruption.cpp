@@ -14,45 +14,63 @@ namespace {
 
 // All that the handler touches: it may run between any two instructions.
 constexpr std::size_t MaxFileBytes = 4096;
-char fileToRemove[MaxFileBytes];
-volatile std::sig_atomic_t isFileSet = 0;
+constexpr int SlotNb = 4;
+char filesToRemove[SlotNb][MaxFileBytes];
+volatile std::sig_atomic_t isFileSet[SlotNb] = {};
 
-extern "C" void RemoveFileAndDie(int signal) {
-  if (isFileSet != 0) {
+void RemoveFiles() {
+  for (int slot = 0; slot < SlotNb; ++slot) {
+    if (isFileSet[slot] != 0) {
 #ifdef _WIN32
-    std::remove(fileToRemove);
+      std::remove(filesToRemove[slot]);
 #else
-    unlink(fileToRemove);
+      unlink(filesToRemove[slot]);
 #endif
+    }
   }
+}
+
+extern "C" void RemoveFilesAndDie(int signal) {
+  RemoveFiles();
   std::signal(signal, SIG_DFL);
   std::raise(signal);
 }
 
 /// A signal that is ignored, as under nohup, stays so.
 void Catch(int signal) {
-  if (std::signal(signal, RemoveFileAndDie) == SIG_IGN) {
+  if (std::signal(signal, RemoveFilesAndDie) == SIG_IGN) {
     std::signal(signal, SIG_IGN);
   }
 }
 
 }  // namespace
 
-void RemoveWhenInterrupted(const std::filesystem::path& file) {
+int RemoveWhenInterrupted(const std::filesystem::path& file) {
   const std::string name = file.string();
-  isFileSet = 0;
-  if (name.size() < MaxFileBytes) {
-    fileToRemove[name.copy(fileToRemove, MaxFileBytes - 1)] = '\0';
-    isFileSet = 1;
+  int slot = 0;
+  while (slot < SlotNb && isFileSet[slot] != 0) {
+    ++slot;
   }
+  if (slot == SlotNb || name.size() >= MaxFileBytes) {
+    return -1;
+  }
+  filesToRemove[slot][name.copy(filesToRemove[slot], MaxFileBytes - 1)] = '\0';
+  isFileSet[slot] = 1;
   Catch(SIGINT);
   Catch(SIGTERM);
 #ifdef SIGHUP
   Catch(SIGHUP);
 #endif
+  return slot;
 }
 
-void KeepWhenInterrupted() { isFileSet = 0; }
+void KeepWhenInterrupted(int slot) {
+  if (slot >= 0) {
+    isFileSet[slot] = 0;
+  }
+}
+
+void RemoveUnfinishedFiles() { RemoveFiles(); }
 
 void ReportFileSizeLimit() {
 #ifdef SIGXFSZ

@@ -45,29 +45,6 @@ std::string VectorText(const Orvo::Vector3D& v) {
   return "(" + ShortNumber(v[0]) + ", " + ShortNumber(v[1]) + ", " + ShortNumber(v[2]) + ")";
 }
 
-const char* GetLinkWord(Orvo::Kin::EntityLinkType type) {
-  switch (type) {
-    case Orvo::Kin::EntityLinkTypeLinear:
-      return "linear";
-    case Orvo::Kin::EntityLinkTypeRotary:
-      return "rotary";
-    case Orvo::Kin::EntityLinkTypePosition:
-    case Orvo::Kin::EntityLinkTypeIdentity:
-      return "static";
-    case Orvo::Kin::EntityLinkTypeAbc:
-      return "ABC";
-    case Orvo::Kin::EntityLinkTypeXyzAbc:
-      return "XYZABC";
-    case Orvo::Kin::EntityLinkTypeXyzIjk:
-      return "XYZIJK";
-    case Orvo::Kin::EntityLinkTypeXyzRepSpindl:
-      return "XYZ_REPSPINDL";
-    case Orvo::Kin::EntityLinkTypeUndef:
-      return "undefined";
-  }
-  return "unknown";
-}
-
 bool IsMoving(const Entity& entity) {
   const Orvo::Kin::EntityLinkType type = entity.GetEntityLink().GetEntityLinkType();
   return type == Orvo::Kin::EntityLinkTypeLinear || type == Orvo::Kin::EntityLinkTypeRotary;
@@ -181,6 +158,29 @@ std::string NumberedName(int number, const Entity* entity) {
 }
 
 }  // namespace
+
+const char* GetLinkWord(Orvo::Kin::EntityLinkType type) {
+  switch (type) {
+    case Orvo::Kin::EntityLinkTypeLinear:
+      return "linear";
+    case Orvo::Kin::EntityLinkTypeRotary:
+      return "rotary";
+    case Orvo::Kin::EntityLinkTypePosition:
+    case Orvo::Kin::EntityLinkTypeIdentity:
+      return "static";
+    case Orvo::Kin::EntityLinkTypeAbc:
+      return "ABC";
+    case Orvo::Kin::EntityLinkTypeXyzAbc:
+      return "XYZABC";
+    case Orvo::Kin::EntityLinkTypeXyzIjk:
+      return "XYZIJK";
+    case Orvo::Kin::EntityLinkTypeXyzRepSpindl:
+      return "XYZ_REPSPINDL";
+    case Orvo::Kin::EntityLinkTypeUndef:
+      return "undefined";
+  }
+  return "unknown";
+}
 
 std::string DescribeElements(const Machine& machine) {
   std::unordered_map<const Entity*, std::vector<const Entity*>> children;

@@ -1,10 +1,14 @@
 #pragma once
 
+#include <Orvo/Kin/Enumerations.h>
 #include <Orvo/Kin/Machine.h>
 
 #include <string>
 
 namespace OrvoTool {
+
+/// Returns the word of a kind of link, such as "linear".
+const char* GetLinkWord(Orvo::Kin::EntityLinkType type);
 
 /// Returns the tree of a machine's elements: a line for each one, with its kind, its register, its
 /// range and its link.

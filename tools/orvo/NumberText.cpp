@@ -61,11 +61,13 @@ std::optional<std::array<double, 3>> ReadTriple(std::string_view text) {
   return triple;
 }
 
-void AppendFixed(double value, std::string* out) {
+void AppendFixed(double value, std::string* out, int decimals) {
   char text[FixedCapacity];
-  const auto result = std::to_chars(text, text + FixedCapacity, value, std::chars_format::fixed, 6);
+  const auto result =
+      std::to_chars(text, text + FixedCapacity, value, std::chars_format::fixed, decimals);
   std::string_view written(text, static_cast<std::size_t>(result.ptr - text));
-  if (written == "-0.000000") {
+  // What rounds to zero has no sign.
+  if (written[0] == '-' && written.find_first_not_of("-0.") == std::string_view::npos) {
     written.remove_prefix(1);
   }
   out->append(written);
@@ -80,15 +82,15 @@ std::string ShortNumber(double value, int digits) {
 }
 
 std::string FixedNumber(double value, int decimals) {
-  char text[FixedCapacity];
-  const auto result =
-      std::to_chars(text, text + FixedCapacity, value, std::chars_format::fixed, decimals);
-  std::string written(text, static_cast<std::size_t>(result.ptr - text));
-  // What rounds to zero has no sign.
-  if (written.find_first_not_of("-0.") == std::string::npos && written[0] == '-') {
-    written.erase(0, 1);
-  }
+  std::string written;
+  AppendFixed(value, &written, decimals);
   return written;
+}
+
+std::string ExactNumber(double value) {
+  char text[FixedCapacity];
+  const auto result = std::to_chars(text, text + FixedCapacity, value);
+  return std::string(text, result.ptr);
 }
 
 std::string_view Trim(std::string_view text) {

@@ -22,17 +22,22 @@ const char* DescribeFault(NumberFault fault);
 /// Reads three numbers separated by commas, such as "0,0,30".
 std::optional<std::array<double, 3>> ReadTriple(std::string_view text);
 
-/// Appends a number with six decimals and a point whatever the locale, never "-0.000000".
+/// Appends a number with six decimals, or as many as are given, and a point whatever the locale;
+/// never "-0.000000".
 ///
 /// Six decimals are what machine files hold; they are finer than any machine moves, the columns
 /// stay readable, and no reader meets an exponent.
-void AppendFixed(double value, std::string* out);
+void AppendFixed(double value, std::string* out, int decimals = 6);
 
 /// Returns a number for people: at most @p digits significant digits, no needless zeros.
 std::string ShortNumber(double value, int digits = 6);
 
 /// Returns a number with @p decimals decimals.
 std::string FixedNumber(double value, int decimals);
+
+/// Returns a number with as many digits as it takes to read the same double back, whatever the
+/// locale; "inf", "-inf" or "nan" where it is none.
+std::string ExactNumber(double value);
 
 /// Takes blanks and tabs off both ends.
 std::string_view Trim(std::string_view text);

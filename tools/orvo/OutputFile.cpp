@@ -34,7 +34,7 @@ OutputFile::OutputFile(const std::string& name) : OutputFile(Printable(name), Fi
   std::error_code error;
   const std::filesystem::file_status status = std::filesystem::status(target_, error);
   if (std::filesystem::is_directory(status)) {
-    throw Failure(ExitCode::Output, shownName_ + ": is a folder");
+    throw Failure(ExitCode::Unreadable, shownName_ + ": is a folder");
   }
   if (std::filesystem::exists(status)) {
     // The file that a link leads to is replaced, not the link.
@@ -45,7 +45,7 @@ OutputFile::OutputFile(const std::string& name) : OutputFile(Printable(name), Fi
   ReportFileSizeLimit();
   if (!std::filesystem::exists(status) || std::filesystem::is_regular_file(status)) {
     written_ += "." + RandomPart() + ".part";
-    RemoveWhenInterrupted(written_);
+    interruptionSlot_ = RemoveWhenInterrupted(written_);
     isTemporary_ = true;
   }
   pending_.reserve(2 * PendingBytes);
@@ -53,7 +53,7 @@ OutputFile::OutputFile(const std::string& name) : OutputFile(Printable(name), Fi
   stream_.rdbuf()->pubsetbuf(nullptr, 0);
   stream_.open(written_, std::ios::binary | std::ios::trunc);
   if (!stream_) {
-    KeepWhenInterrupted();
+    KeepWhenInterrupted(interruptionSlot_);
     isTemporary_ = false;
     Blame("can't be made");
   }
@@ -64,13 +64,13 @@ OutputFile::~OutputFile() {
     stream_.close();
     std::error_code ignored;
     std::filesystem::remove(written_, ignored);
-    KeepWhenInterrupted();
+    KeepWhenInterrupted(interruptionSlot_);
   }
 }
 
 void OutputFile::Blame(const std::string& what) {
   const std::string reason = errno != 0 ? ": " + std::generic_category().message(errno) : "";
-  throw Failure(ExitCode::Output, shownName_ + ": " + what + reason);
+  throw Failure(ExitCode::Unreadable, shownName_ + ": " + what + reason);
 }
 
 void OutputFile::Flush() {
@@ -103,7 +103,7 @@ void OutputFile::Finish() {
       errno = error.value();
       Blame("can't be replaced");
     }
-    KeepWhenInterrupted();
+    KeepWhenInterrupted(interruptionSlot_);
     isTemporary_ = false;
   }
 }

@@ -42,6 +42,7 @@ class OutputFile {
   std::filesystem::path target_;
   std::filesystem::path written_;
   bool isTemporary_ = false;
+  int interruptionSlot_ = -1;
   std::ofstream stream_;
   std::string pending_;
 };

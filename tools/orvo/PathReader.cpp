@@ -2,6 +2,7 @@
 
 #include "Failure.h"
 #include "NumberText.h"
+#include "StandardInput.h"
 #include "WideText.h"
 
 #include <algorithm>
@@ -52,8 +53,8 @@ bool MakeUnitExactly(Orvo::Vector3D* v, bool* wasUnit) {
 PathReader::PathReader(const std::string& name) : lines_(name) {
   std::string_view content;
   if (!NextContent(&content)) {
-    throw Failure(ExitCode::Input,
-                  Printable(name) +
+    throw Failure(ExitCode::Unreadable,
+                  ShownInput(name) +
                       ":1:1: the file is empty; its first line must name the columns "
                       "x,y,z,i,j,k");
   }

@@ -52,11 +52,10 @@ int FindProgramSystem(const Orvo::Kin::Machine& machine, const std::string& choi
     return found[0];
   }
   const std::string shown = "'" + Printable(choice) + "'";
-  throw Failure(ExitCode::Usage,
-                (found.empty() ? "orvo solve: --program-system: there is no " + shown
-                               : "orvo solve: --program-system: several are called " + shown +
-                                     "; give the number") +
-                    ". The machine has:" + ListProgramSystems(systems));
+  throw UsageFailure((found.empty()
+                          ? "--program-system: there is no " + shown
+                          : "--program-system: several are called " + shown + "; give the number") +
+                     ". The machine has:" + ListProgramSystems(systems));
 }
 
 const Orvo::Kin::ProgramSystem& GetProgramSystem(const Orvo::Kin::Machine& machine, int number) {

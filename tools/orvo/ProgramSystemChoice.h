@@ -11,8 +11,8 @@ namespace OrvoTool {
 ///
 /// @param choice  its number, from 0, or its name
 /// @return its number
-/// @throws Failure that lists what there is, when there is no such one or when several have the
-/// name
+/// @throws UsageFailure that lists what there is, when there is no such one or when several have
+/// the name
 int FindProgramSystem(const Orvo::Kin::Machine& machine, const std::string& choice);
 
 /// Returns a program system by its number.

@@ -1,30 +1,28 @@
 #include "SolveCommand.h"
 
+#include "AxisAssignment.h"
 #include "AxisNames.h"
+#include "ChoiceOption.h"
+#include "Failure.h"
 #include "MachineFile.h"
 #include "NumberText.h"
-#include "OutputFile.h"
-#include "PathReader.h"
-#include "PathSolver.h"
+#include "OutputFormat.h"
 #include "ProgramSystemChoice.h"
-#include "Progress.h"
-#include "SolveSummary.h"
+#include "SolveRun.h"
+#include "StandardInput.h"
 #include "StandardOutput.h"
 #include "WideText.h"
 
 #include <Orvo/Kin/Machine.h>
 #include <Orvo/Kin/MachinePosition.h>
-#include <Orvo/Kin/Register.h>
-#include <Orvo/Vector3D.h>
 
 #include <CLI/CLI.hpp>
 
-#include <algorithm>
 #include <array>
-#include <cstdint>
+#include <cstdio>
 #include <filesystem>
+#include <memory>
 #include <optional>
-#include <string_view>
 #include <system_error>
 #include <vector>
 
@@ -34,40 +32,32 @@ namespace {
 /// A table with more columns than this is of no use; machines have some tens of registers.
 constexpr int MaxRegisters = 4096;
 
-const std::string SolutionsColumn = "solutions";
-const std::string FlagsColumn = "flags";
+const char Description[] =
+    R"(Turns a tool path into axis values. x,y,z of a point is the tool tip, i,j,k the
+direction from the tip towards the spindle, both in the frame of the table.)";
 
-const std::string HelpText = R"(Usage: orvo solve MACHINE.xml PATH.csv [OPTIONS] -o AXES.csv
+const char Footer[] = R"(Lengths are in the machine's unit, angles in degrees, feeds are a minute.
 
-Turns a tool path into axis values. For each point: the rotary solution nearest
-to the position before it, then the linear axes, then the check of all ranges,
-then a check of the result by forward kinematics.
+The policies:
+  machine  for each point the rotary solution nearest to the position before it,
+           by the calculator and its tolerances; then the ranges of linear axes
+           are looked at. Which solution is near depends on the program system.
+           ShortestWay: by whole turns, within the ranges. Default and
+           AlphaPositive: the nearer one of those between -180 and 180 degrees
+  greedy   the same choice among exact answers within all ranges; a reason for
+           each point that has none
+  optimal  the path whose sum of moves is the smallest of all, among both
+           solutions and all their whole turns within the ranges; it is found
+           wherever there is one
 
-  MACHINE.xml   the machine file
-  PATH.csv      the tool path: x,y,z is the tool tip, i,j,k the direction from
-                the tip towards the spindle, both in the frame of the table
+The path, as CSV: the first line names the columns, in any order and in upper or
+lower case; x,y,z,i,j,k are needed, f (or feed) and rapid are taken where they
+are there, others are ignored. '#' starts a comment. Directions of any length
+are taken.
 
-Options:
-  -o, --output AXES.csv        where the axis values go; always needed
-  -p, --program-system N|NAME  which program system of the machine, by number or
-                               by name; 0 if not given
-      --offset X,Y,Z           the tool: 0,0,L for a length of L; 0,0,0 if not
-                               given
-      --shift X,Y,Z            where the path's origin lies in the frame of the
-                               table; 0,0,0 if not given
-      --start VALUES           axis values before the first point: some by name,
-                               such as C=90,A=-10, or one for each register;
-                               0 if not given
-  -h, --help                   print this help
-
-Lengths are in the machine's unit, angles in degrees.
-
-The path: the first line names the columns, in any order and in upper or lower
-case; columns other than x,y,z,i,j,k are ignored. Commas separate them, '#'
-starts a comment. Directions of any length are taken.
-
-The result: a row for each point, with the value of every register, named after
-its axis, to six decimals; with the number of rotary solutions; and with flags:
+The result of the policy machine: a row for each point, with the value of every
+register, named after its axis; with the number of rotary solutions; and with
+flags:
   ok              reached, every axis in its range
   out:X;Z         reached, but these axes are outside of their range
   unreachable     not reached; the row repeats the position before
@@ -75,239 +65,260 @@ its axis, to six decimals; with the number of rotary solutions; and with flags:
   free:C          any value of C would do, so it kept the one it had
   snapped:B       B stands at its limit, up to 0.01 radian short of what the
                   direction asks for
-A summary of all points goes to the standard output. Its path lengths start at
-the first point that is reached.
+Of the others: a row for each point, and for each one inserted; the values; the
+line of the path; the branch of the rotary solutions, 1 or -1; flags; the codes
+of what is to be said of the point, such as 103; and what forward kinematics
+leaves, a length and an angle. Their flags are ok, unreachable, out-of-range,
+inserted, held, branch-change, unwinding. The first point of each code comes in
+words to the error stream, all of them stand in rows of JSON Lines.
 
-Which rotary solution is taken depends on the policy of the program system.
-ShortestWay: the one nearest to the position before, by whole turns, within the
-ranges. Default and AlphaPositive: the nearer one of those between -180 and 180
-degrees.
+A summary of all points goes to the standard output, or to the error stream
+where the rows go there.
 
 Exit status:
   0  every point is solved
   1  the command line is wrong
-  2  a file can't be read; the message names its line and column
-  3  the result or the summary can't be written; no part of a result is left
+  2  a file can't be read, with its line and column in the message, or written;
+     no part of a result is left
+  3  the machine, or its program system, can't be computed with
   4  some points are unreachable, whether or not others are out of range
-  5  some points are out of range
+  5  some points are out of range of the linear axes
 
-Example:
+Examples:
   orvo solve machine.xml path.csv --offset 0,0,30 -o axes.csv
+  orvo solve machine.xml part.apt --policy optimal --tolerance 0.01 -o axes.csv
+  cat path.jsonl | orvo solve machine.xml - --from jsonl --policy greedy -o -
 )";
-
-[[noreturn]] void BlameUsage(const std::string& what) {
-  throw Failure(ExitCode::Usage, "orvo solve: " + what);
-}
 
 Orvo::Vector3D ReadVector(const char* option, const std::string& text) {
   const std::optional<std::array<double, 3>> triple = ReadTriple(text);
   if (!triple) {
-    BlameUsage(std::string(option) + ": three numbers X,Y,Z are needed, not '" + Printable(text) +
-               "'");
+    throw UsageFailure(std::string(option) + ": three numbers X,Y,Z are needed, not '" +
+                       Printable(text) + "'");
   }
   return Orvo::Vector3D((*triple)[0], (*triple)[1], (*triple)[2]);
 }
 
-std::vector<std::string_view> SplitAtCommas(std::string_view text) {
-  std::vector<std::string_view> parts;
-  for (;;) {
-    const std::size_t comma = text.find(',');
-    parts.push_back(Trim(text.substr(0, comma)));
-    if (comma == std::string_view::npos) {
-      return parts;
-    }
-    text.remove_prefix(comma + 1);
-  }
-}
-
-/// Reads the position to start from: "X=10,C=90", where the others are 0, or a value for each
-/// register in their order.
-void ReadStart(const std::string& text, const AxisNames& names,
-               Orvo::Kin::MachinePosition* position) {
-  const std::vector<std::string_view> parts = SplitAtCommas(text);
-  const bool isNamed = text.find('=') != std::string::npos;
-  if (!isNamed && parts.size() != static_cast<std::size_t>(names.GetCount())) {
-    BlameUsage("--start: " + std::to_string(parts.size()) + " values for " +
-               std::to_string(names.GetCount()) +
-               " registers; give all of them, or some as NAME=VALUE");
-  }
-  int reg = 0;
-  for (const std::string_view part : parts) {
-    std::string_view number = part;
-    if (isNamed) {
-      const std::size_t equals = part.find('=');
-      const std::string_view name = Trim(part.substr(0, equals));
-      reg = names.Find(name);
-      if (equals == std::string_view::npos || reg < 0) {
-        std::string known;
-        for (int r = 0; r < std::min(names.GetCount(), 40); ++r) {
-          known += (r == 0 ? "" : ", ") + names.GetName(r);
-        }
-        BlameUsage("--start: '" + Printable(part) + "' is not NAME=VALUE with one of " + known);
-      }
-      number = Trim(part.substr(equals + 1));
-    }
-    double value = 0.0;
-    const NumberFault fault = ReadNumber(number, &value);
-    if (fault != NumberFault::None) {
-      BlameUsage("--start: '" + Printable(number) + "' " + DescribeFault(fault));
-    }
-    (*position)[Orvo::Kin::Register(reg)] = value;
-    ++reg;
-  }
-}
-
 void RefuseToOverwrite(const std::string& input, const std::string& output) {
   std::error_code ignored;
-  if (std::filesystem::equivalent(FileFromUtf8(input), FileFromUtf8(output), ignored)) {
-    BlameUsage("--output: " + Printable(output) + " would replace what is read");
+  if (!IsStandardStream(input) && !IsStandardStream(output) &&
+      std::filesystem::equivalent(FileFromUtf8(input), FileFromUtf8(output), ignored)) {
+    throw UsageFailure("--output: " + Printable(output) + " would replace what is read");
   }
 }
 
-void AppendAxisNames(const std::vector<MainAxis>& axes,
-                     const std::array<double, MaxMainAxes>& excess, std::string* row) {
-  const char* separator = ":";
-  for (std::size_t a = 0; a < axes.size(); ++a) {
-    if (excess[a] > 0.0) {
-      *row += separator;
-      *row += axes[a].name;
-      separator = ";";
-    }
+RowFormat FindRowFormat(const SolveOptions& options) {
+  if (options.rows != RowFormatChoice::BySuffix) {
+    return options.rows == RowFormatChoice::Csv ? RowFormat::Csv : RowFormat::JsonLines;
   }
-}
-
-void AppendFlags(const PathSolver& solver, const AxisNames& names, const PointResult& result,
-                 std::string* row) {
-  const std::size_t begin = row->size();
-  const std::vector<MainAxis>& axes = solver.GetAxes();
-  if (result.outcome != Outcome::Reached) {
-    *row += "unreachable";
-    AppendAxisNames(axes, result.excess, row);
-    return;
-  }
-  if (result.IsOutOfRange()) {
-    *row += "out";
-    AppendAxisNames(axes, result.excess, row);
-  }
-  if (result.freeRegister >= 0) {
-    *row += row->size() > begin ? " free:" : "free:";
-    *row += names.GetName(result.freeRegister);
-  }
-  for (std::size_t a = 0; a < axes.size(); ++a) {
-    if (result.isSnapped[a]) {
-      *row += row->size() > begin ? " snapped:" : "snapped:";
-      *row += axes[a].name;
-    }
-  }
-  if (row->size() == begin) {
-    *row += "ok";
-  }
-}
-
-std::string MakeHeader(const AxisNames& names) {
-  std::string header;
-  for (int r = 0; r < names.GetCount(); ++r) {
-    header += names.GetName(r) + ",";
-  }
-  return header + SolutionsColumn + "," + FlagsColumn + "\n";
-}
-
-void AppendRow(const PathSolver& solver, const AxisNames& names, const PointResult& result,
-               std::string* row) {
-  for (int r = 0; r < names.GetCount(); ++r) {
-    AppendFixed(solver.GetPosition()[Orvo::Kin::Register(r)], row);
-    row->push_back(',');
-  }
-  row->push_back(static_cast<char>('0' + result.solutionCount));
-  row->push_back(',');
-  AppendFlags(solver, names, result, row);
-  row->push_back('\n');
-}
-
-/// Takes the whole path through the solver and writes a row for each point.
-void SolvePath(PathReader* reader, const AxisNames& names, PathSolver* solver, OutputFile* output,
-               SolveSummary* summary) {
-  Progress progress;
-  PathPoint point;
-  std::string row;
-  output->Write(MakeHeader(names));
-  while (reader->Next(&point)) {
-    const PointResult result = solver->Solve(point.point, point.direction);
-    summary->Add(result, point.wasUnit, solver->GetPosition(), point.line);
-    row.clear();
-    AppendRow(*solver, names, result, &row);
-    output->Write(row);
-    progress.Show(summary->GetPointCount(), reader->GetShareRead());
-  }
-}
-
-}  // namespace
-
-CLI::App* AddSolveCommand(CLI::App* app, SolveOptions* options) {
-  CLI::App* solve = app->add_subcommand("solve");
-  solve->add_option("MACHINE.xml", options->machine)->required();
-  solve->add_option("PATH.csv", options->path)->required();
-  solve->add_option("-o,--output", options->output)->required();
-  solve->add_option("-p,--program-system", options->programSystem);
-  solve->add_option("--offset", options->offset);
-  solve->add_option("--shift", options->shift);
-  solve->add_option("--start", options->start);
-  solve->formatter_fn(
-      [](const CLI::App*, const std::string&, CLI::AppFormatMode) { return HelpText; });
-  return solve;
+  return FindPathKind(options.output, PathKind::BySuffix) == PathKind::JsonLines
+             ? RowFormat::JsonLines
+             : RowFormat::Csv;
 }
 
 ExitCode RunSolve(const SolveOptions& options) {
   const Orvo::Vector3D offset = ReadVector("--offset", options.offset);
   const Orvo::Vector3D shift = ReadVector("--shift", options.shift);
-  const std::string machineName = Printable(options.machine);
+  RefuseSecondStandardInput(options.machine, options.path);
+  const std::string machineName = ShownInput(options.machine);
 
   Orvo::Kin::Machine machine;
-  ReadMachine(options.machine, &machine);
-  if (!machine.IsFinished()) {
-    throw Failure(ExitCode::Input,
-                  machineName + ": the machine is " + DescribeVerdict(machine.GetLastError()));
-  }
+  ReadValidMachine(options.machine, &machine);
   if (machine.GetRegisterNb().GetVal() > MaxRegisters) {
-    throw Failure(ExitCode::Input, machineName + ": the machine has " +
-                                       std::to_string(machine.GetRegisterNb().GetVal()) +
-                                       " registers; a table of at most " +
-                                       std::to_string(MaxRegisters) + " columns can be written");
+    throw Failure(ExitCode::Unreadable, machineName + ": the machine has " +
+                                            std::to_string(machine.GetRegisterNb().GetVal()) +
+                                            " registers; a table of at most " +
+                                            std::to_string(MaxRegisters) +
+                                            " columns can be written");
   }
-  const AxisNames names(machine, {SolutionsColumn, FlagsColumn});
+  const AxisNames names(machine, ReservedColumns());
   const int number = FindProgramSystem(machine, options.programSystem);
-  Orvo::Kin::ProgramSystem programSystem = GetProgramSystem(machine, number);
+  const Orvo::Kin::ProgramSystem& programSystem = GetProgramSystem(machine, number);
   Orvo::Kin::MachinePosition start;
   machine.Alloc(&start);
   if (!options.start.empty()) {
-    ReadStart(options.start, names, &start);
+    PutAssignments(ReadAxisAssignments("--start", options.start, names), &start);
   }
-  PathSolver solver(machine, programSystem, names, offset, shift, start);
-  const std::string systemName = "program system " + std::to_string(number) + " (" +
-                                 PrintableFromWide(programSystem.GetProgramSystemName()) + ")";
-  const std::string fault = solver.FindFault();
-  if (!fault.empty()) {
-    throw Failure(ExitCode::Input, machineName + ": " + systemName + ": " + fault);
+  if (!options.output.empty()) {
+    RefuseToOverwrite(options.machine, options.output);
+    RefuseToOverwrite(options.path, options.output);
   }
-  RefuseToOverwrite(options.machine, options.output);
-  RefuseToOverwrite(options.path, options.output);
+  const SolveRun run = {options,
+                        machine,
+                        programSystem,
+                        machineName,
+                        "program system " + std::to_string(number) + " (" +
+                            PrintableFromWide(programSystem.GetProgramSystemName()) + ")",
+                        names,
+                        offset,
+                        shift,
+                        start,
+                        FindRowFormat(options)};
+  return options.policy == SolvePolicy::Machine ? SolveByMachine(run) : SolveByPath(run);
+}
 
-  PathReader reader(options.path);
-  SolveSummary summary(solver.GetAxes());
-  OutputFile output(options.output);
-  SolvePath(&reader, names, &solver, &output, &summary);
-  if (summary.GetPointCount() == 0) {
-    throw Failure(ExitCode::Input, Printable(options.path) + ": no point follows the first line");
-  }
-  output.Finish();
+/// What the command line holds, with the options that one policy doesn't have.
+struct DeclaredOptions {
+  SolveOptions values;
+  std::vector<const CLI::Option*> forWholePaths;
+};
 
-  WriteStandardOutput(Printable(options.path) + " on " + machineName + ", " + systemName +
-                      ", policy " + GetPolicyName(programSystem.GetRotariesCompute()) + "\n\n" +
-                      summary.GetText() + "  Axis values: " + Printable(options.output) + "\n");
-  if (summary.GetUnreachableCount() > 0) {
-    return ExitCode::Unreachable;
+void AddWholePathOptions(CLI::App* command, DeclaredOptions* declared) {
+  SolveOptions& values = declared->values;
+  Orvo::Path::PathOptions& path = values.wholePath;
+  const char* const group = "Options of the policies greedy and optimal";
+  const auto add = [&](CLI::Option* option) {
+    option->group(group);
+    declared->forWholePaths.push_back(option);
+  };
+  add(AddChoice<Orvo::Path::MeasureKind>(
+      command, "--measure", &path.measure.kind,
+      {{"travel", Orvo::Path::MeasureKind::Travel}, {"time", Orvo::Path::MeasureKind::Time}},
+      "what is to be small: the weighted travel of the axes, or the time of the slowest axis of "
+      "each move; travel if not given"));
+  add(command
+          ->add_option("--weight", values.weights,
+                       "what a unit of length or a degree of travel costs; 1 where not given")
+          ->type_name("NAME=W,..."));
+  add(command
+          ->add_option("--speed", values.speeds,
+                       "how fast axes are, in units of length or degrees a second, for the time "
+                       "and for --inverse-time; 10000 a minute where not given")
+          ->type_name("NAME=V,..."));
+  add(command
+          ->add_option("--branch-cost", path.measure.branchChangeCost,
+                       "what it costs to go over to the other rotary solution; 0 if not given")
+          ->type_name("COST")
+          ->check(Unnamed(CLI::NonNegativeNumber)));
+  add(command
+          ->add_option("--unwind-cost", path.measure.unwindingCost,
+                       "what a turn of more than 180 degrees in one move costs; 0 if not given")
+          ->type_name("COST")
+          ->check(Unnamed(CLI::NonNegativeNumber)));
+  add(command
+          ->add_option("--cone", path.singularConeDeg,
+                       "half the opening of the cone around singular directions in which the free "
+                       "axis is kept steady, in degrees; 0 if not given")
+          ->type_name("DEG")
+          ->check(Unnamed(CLI::Range(0.0, 90.0))));
+  add(AddChoice<Orvo::Path::SingularRule>(
+      command, "--singular", &path.singularRule,
+      {{"hold", Orvo::Path::SingularRule::Hold},
+       {"interpolate", Orvo::Path::SingularRule::Interpolate}},
+      "what the free axis does there: it stands, or goes evenly to where it must be behind it; "
+      "hold if not given"));
+  add(command->add_flag("--free-start", path.isStartFree,
+                        "let the way from --start to the first point cost nothing"));
+  add(command->add_flag("--deviation", values.hasDeviations,
+                        "compute how far the tool leaves the straight connection between points"));
+  add(command
+          ->add_option("--tolerance", values.tipTolerance,
+                       "insert points until the tip keeps this near to the straight line")
+          ->type_name("LENGTH")
+          ->check(Unnamed(CLI::PositiveNumber)));
+  add(command
+          ->add_option("--angle-tolerance", values.angleTolerance,
+                       "the same for the direction, in degrees; 0.01 and 0.1 where only one of "
+                       "both is given")
+          ->type_name("DEG")
+          ->check(Unnamed(CLI::PositiveNumber)));
+  add(command->add_flag("--inverse-time", values.columns.hasInverseTime,
+                        "add the inverse time of each move, in 1 / minute"));
+  add(command->add_flag("--no-residuals", values.hasNoResiduals,
+                        "leave the check by forward kinematics out"));
+  add(command
+          ->add_option("--threads", path.threadNb,
+                       "how many threads work; as many as the machine runs at once if not given")
+          ->type_name("N")
+          ->check(Unnamed(CLI::Range(1, 256))));
+  add(command
+          ->add_option("--memory", values.cacheMegabytes,
+                       "how much may be kept instead of computed again, in MiB; 256 if not given")
+          ->type_name("MIB")
+          ->check(Unnamed(CLI::Range(0, 1048576))));
+}
+
+}  // namespace
+
+std::string DescribeOutput(const SolveRun& run) {
+  return run.HasRows() && !run.HasRowsOnStandardOutput()
+             ? "  Axis values: " + Printable(run.options.output) + "\n"
+             : std::string();
+}
+
+void WriteNotes(const std::string& lines) {
+  std::fputs(lines.c_str(), stderr);
+  std::fflush(stderr);
+}
+
+void WriteSummary(const SolveRun& run, const std::string& text) {
+  if (run.options.summary == SummaryFormat::None) {
+    return;
   }
-  return summary.GetOutCount() > 0 ? ExitCode::OutOfRange : ExitCode::Success;
+  if (run.HasRowsOnStandardOutput()) {
+    WriteNotes(text);
+  } else {
+    WriteStandardOutput(text);
+  }
+}
+
+CommandAction AddSolveCommand(CLI::App* command) {
+  const auto declared = std::make_shared<DeclaredOptions>();
+  SolveOptions& values = declared->values;
+  command->description(Description);
+  command->footer(Footer);
+  AddMachineArgument(command, &values.machine);
+  command->add_option("PATH", values.path, "the tool path; '-' is the standard input")->required();
+  command
+      ->add_option("-o,--output", values.output,
+                   "where the axis values go; '-' is the standard output. Without it there is only "
+                   "the summary")
+      ->type_name("AXES");
+  AddProgramSystemOption(command, &values.programSystem);
+  command
+      ->add_option("--offset", values.offset,
+                   "the tool: 0,0,L for a length of L; 0,0,0 if not given")
+      ->type_name("X,Y,Z");
+  command
+      ->add_option("--shift", values.shift,
+                   "where the path's origin lies in the frame of the table; 0,0,0 if not given")
+      ->type_name("X,Y,Z");
+  command
+      ->add_option("--start", values.start,
+                   "axis values before the first point: some by name, such as C=90,A=-10, or one "
+                   "for each register; 0 if not given")
+      ->type_name("VALUES");
+  AddChoice<SolvePolicy>(command, "--policy", &values.policy,
+                         {{"machine", SolvePolicy::Machine},
+                          {"greedy", SolvePolicy::Greedy},
+                          {"optimal", SolvePolicy::Optimal}},
+                         "how axis values are chosen, see below; machine if not given");
+  AddPathKindOption(command, &values.kind);
+  AddChoice<RowFormatChoice>(
+      command, "--format", &values.rows,
+      {{"csv", RowFormatChoice::Csv}, {"jsonl", RowFormatChoice::JsonLines}},
+      "how the rows are written; if not given, as JSON Lines to files that end in .jsonl or "
+      ".ndjson, as CSV to others");
+  command
+      ->add_option("--decimals", values.columns.decimals,
+                   "how many decimals axis values have in CSV; 6 if not given")
+      ->type_name("N")
+      ->check(Unnamed(CLI::Range(0, 15)));
+  AddChoice<SummaryFormat>(
+      command, "--summary", &values.summary,
+      {{"text", SummaryFormat::Text}, {"json", SummaryFormat::Json}, {"none", SummaryFormat::None}},
+      "how the summary is written; text if not given");
+  AddWholePathOptions(command, declared.get());
+  return [declared]() {
+    if (declared->values.policy == SolvePolicy::Machine) {
+      for (const CLI::Option* option : declared->forWholePaths) {
+        if (option->count() > 0) {
+          throw UsageFailure(option->get_name() + " needs --policy greedy or --policy optimal");
+        }
+      }
+    }
+    return RunSolve(declared->values);
+  };
 }
 
 }  // namespace OrvoTool

@@ -167,4 +167,35 @@ std::string SolveSummary::GetText() const {
   return GetCountsText() + "\n" + GetAxesText() + "\n" + GetNotesText();
 }
 
+JsonValue SolveSummary::GetJson() const {
+  JsonValue json;
+  json["points"] = pointCount_;
+  json["solved"] = GetSolvedCount();
+  json["unreachable"] = unreachableCount_;
+  json["out_of_range"] = outCount_;
+  json["free"] = freeCount_;
+  json["snapped"] = snappedCount_;
+  json["first_unreachable_line"] = firstUnreachableLine_;
+  json["first_out_of_range_line"] = firstOutLine_;
+  json["axes"] = JsonValue::array();
+  for (std::size_t a = 0; a < axes_.size(); ++a) {
+    JsonValue entry;
+    entry["name"] = axes_[a].name;
+    entry["register"] = axes_[a].reg;
+    entry["from"] = sums_[a].smallest;
+    entry["to"] = sums_[a].largest;
+    entry["path_length"] = sums_[a].length;
+    if (axes_[a].isChecked) {
+      entry["min"] = axes_[a].min;
+      entry["max"] = axes_[a].max;
+    }
+    entry["out_of_range"] = sums_[a].outCount;
+    entry["worst_excess"] = sums_[a].outWorst.value;
+    json["axes"].push_back(entry);
+  }
+  json["largest_residual"] = tipResidual_.value;
+  json["largest_angle_residual"] = directionResidualDeg_.value;
+  return json;
+}
+
 }  // namespace OrvoTool

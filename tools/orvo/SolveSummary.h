@@ -1,5 +1,6 @@
 #pragma once
 
+#include "JsonText.h"
 #include "PathSolver.h"
 
 #include <Orvo/Kin/MachinePosition.h>
@@ -30,6 +31,9 @@ class SolveSummary {
 
   /// Returns the summary for people, in several lines.
   std::string GetText() const;
+
+  /// Returns it for programs. Angles are in degrees.
+  JsonValue GetJson() const;
 
  private:
   /// The largest of some values with the line where it was met; the line is 0 while there is none.

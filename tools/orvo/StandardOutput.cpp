@@ -14,7 +14,7 @@ void WriteStandardOutput(std::string_view text) {
   const bool isWritten = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
   if (!isWritten || std::fflush(stdout) != 0) {
     const std::string reason = errno != 0 ? ": " + std::generic_category().message(errno) : "";
-    throw Failure(ExitCode::Output, "orvo: the standard output can't be written" + reason);
+    throw Failure(ExitCode::Unreadable, "orvo: the standard output can't be written" + reason);
   }
 }
 

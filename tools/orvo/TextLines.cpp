@@ -1,6 +1,7 @@
 #include "TextLines.h"
 
 #include "Failure.h"
+#include "StandardInput.h"
 #include "WideText.h"
 
 #include <cerrno>
@@ -19,17 +20,21 @@ std::string LastSystemError() {
 
 }  // namespace
 
-TextLines::TextLines(const std::string& name) : name_(Printable(name)), chunk_(ChunkBytes) {
+TextLines::TextLines(const std::string& name)
+    : name_(ShownInput(name)), isStandardInput_(IsStandardStream(name)), chunk_(ChunkBytes) {
+  if (isStandardInput_) {
+    return;
+  }
   const std::filesystem::path file = FileFromUtf8(name);
   std::error_code error;
   if (std::filesystem::is_directory(file, error)) {
-    throw Failure(ExitCode::Input, name_ + ": is a folder, not a file");
+    throw Failure(ExitCode::Unreadable, name_ + ": is a folder, not a file");
   }
   errno = 0;
   stream_.rdbuf()->pubsetbuf(nullptr, 0);
   stream_.open(file, std::ios::binary);
   if (!stream_) {
-    throw Failure(ExitCode::Input, name_ + ": can't be opened: " + LastSystemError());
+    throw Failure(ExitCode::Unreadable, name_ + ": can't be opened: " + LastSystemError());
   }
   if (std::filesystem::is_regular_file(file, error)) {
     fileSize_ = std::filesystem::file_size(file, error);
@@ -38,12 +43,17 @@ TextLines::TextLines(const std::string& name) : name_(Printable(name)), chunk_(C
 }
 
 bool TextLines::Fill() {
+  if (isStandardInput_) {
+    chunkBegin_ = 0;
+    chunkEnd_ = ReadStandardInputPart(chunk_.data(), chunk_.size());
+    return chunkEnd_ > 0;
+  }
   errno = 0;
   stream_.read(chunk_.data(), static_cast<std::streamsize>(chunk_.size()));
   chunkBegin_ = 0;
   chunkEnd_ = static_cast<std::size_t>(stream_.gcount());
   if (stream_.bad()) {
-    throw Failure(ExitCode::Input, name_ + ": can't be read: " + LastSystemError());
+    throw Failure(ExitCode::Unreadable, name_ + ": can't be read: " + LastSystemError());
   }
   return chunkEnd_ > 0;
 }
@@ -61,9 +71,9 @@ bool TextLines::Next() {
         feed != nullptr ? static_cast<std::size_t>(static_cast<const char*>(feed) - begin)
                         : chunkEnd_ - chunkBegin_;
     if (line_.size() + length > MaxLineBytes) {
-      throw Failure(ExitCode::Input, name_ + ":" + std::to_string(number_) +
-                                         ":1: the line is longer than " +
-                                         std::to_string(MaxLineBytes) + " bytes");
+      throw Failure(ExitCode::Unreadable, name_ + ":" + std::to_string(number_) +
+                                              ":1: the line is longer than " +
+                                              std::to_string(MaxLineBytes) + " bytes");
     }
     line_.append(begin, length);
     const std::size_t taken = length + (feed != nullptr ? 1 : 0);
@@ -93,7 +103,7 @@ bool TextLines::Next() {
 
 void TextLines::Blame(std::size_t offset, const std::string& what) const {
   const std::size_t column = 1 + CountCharacters(std::string_view(line_).substr(0, offset));
-  throw Failure(ExitCode::Input,
+  throw Failure(ExitCode::Unreadable,
                 name_ + ":" + std::to_string(number_) + ":" + std::to_string(column) + ": " + what);
 }
 

@@ -20,7 +20,7 @@ class TextLines {
   static constexpr std::size_t MaxLineBytes = 65536;
 
   /// Opens the file.
-  /// @param name  the file's name in UTF-8, also used in messages
+  /// @param name  the file's name in UTF-8, also used in messages; "-" for the standard input
   /// @throws Failure when it can't be opened
   explicit TextLines(const std::string& name);
 
@@ -46,6 +46,7 @@ class TextLines {
   bool Fill();
 
   std::string name_;
+  bool isStandardInput_ = false;
   std::ifstream stream_;
   std::vector<char> chunk_;
   std::size_t chunkBegin_ = 0;

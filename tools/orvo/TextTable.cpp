@@ -24,7 +24,7 @@ std::string TextTable::GetText() const {
   std::vector<std::size_t> widths(columns_.size(), 0);
   for (const std::vector<std::string>& row : rows_) {
     for (std::size_t i = 0; i < row.size(); ++i) {
-      const std::size_t width = CountCharacters(row[i]);
+      const std::size_t width = CountColumns(row[i]);
       widths[i] = width > MaxColumnWidth ? widths[i] : std::max(widths[i], width);
     }
   }
@@ -32,7 +32,7 @@ std::string TextTable::GetText() const {
   for (const std::vector<std::string>& row : rows_) {
     std::string line(indent_, ' ');
     for (std::size_t i = 0; i < row.size(); ++i) {
-      const std::size_t width = CountCharacters(row[i]);
+      const std::size_t width = CountColumns(row[i]);
       const std::string padding(widths[i] > width ? widths[i] - width : 0, ' ');
       line += i > 0 ? std::string(GapBetweenColumns, ' ') : std::string();
       line += columns_[i] == Align::Right ? padding + row[i] : row[i] + padding;

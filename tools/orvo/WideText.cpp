@@ -79,6 +79,17 @@ std::size_t CountCharacters(std::string_view text) {
   return count;
 }
 
+std::size_t CountColumns(std::string_view text) {
+  std::size_t count = 0;
+  bool isColor = false;
+  for (const char c : text) {
+    isColor = isColor || c == '\x1b';
+    count += !isColor && (static_cast<unsigned char>(c) & 0xC0U) != 0x80 ? 1 : 0;
+    isColor = isColor && c != 'm';
+  }
+  return count;
+}
+
 std::filesystem::path FileFromUtf8(std::string_view name) {
 #ifdef _WIN32
   const std::optional<std::wstring> wide = WideFromUtf8(name);
@@ -86,6 +97,14 @@ std::filesystem::path FileFromUtf8(std::string_view name) {
 #else
   // File names are bytes here: a name that is no UTF-8 still names its file.
   return std::filesystem::path(name);
+#endif
+}
+
+std::string Utf8FromFile(const std::filesystem::path& file) {
+#ifdef _WIN32
+  return Utf8FromWide(file.wstring());
+#else
+  return file.string();
 #endif
 }
 

@@ -12,6 +12,14 @@ constexpr std::string_view Blanks = " \t\r\n";
 /// The reader of machine files refuses elements that are nested deeper.
 constexpr std::size_t MaxDepth = 100;
 
+/// No machine has as many elements: each takes memory, many times that of its text.
+constexpr std::size_t MaxNodes = 2000000;
+
+/// The reader of machine files refuses tags with more.
+constexpr std::size_t MaxAttributes = 1000;
+
+constexpr std::string_view CdataBegin = "<![CDATA[";
+
 bool IsNameStart(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c == ':' ||
          static_cast<unsigned char>(c) >= 0x80;
@@ -45,8 +53,15 @@ void XmlOutline::Read() {
     if (!fault_.empty() || position_ == text_.size()) {
       break;
     }
-    if (SkipBlock("<!--", "-->", "the comment") || SkipBlock("<![CDATA[", "]]>", "the CDATA") ||
-        SkipBlock("<?", "?>", "the declaration") || SkipBlock("<!", ">", "the declaration")) {
+    if (text_.substr(position_, CdataBegin.size()) == CdataBegin) {
+      const std::size_t content = position_ + CdataBegin.size();
+      if (SkipBlock(CdataBegin, "]]>", "the CDATA") && fault_.empty()) {
+        AddText(content, position_ - 3);
+      }
+      continue;
+    }
+    if (SkipBlock("<!--", "-->", "the comment") || SkipBlock("<?", "?>", "the declaration") ||
+        SkipBlock("<!", ">", "the declaration")) {
       continue;
     }
     if (text_.substr(position_, 2) == "</") {
@@ -130,6 +145,13 @@ void XmlOutline::ReadElement() {
   }
   while (ReadAttribute(&node)) {
   }
+  if (node.attributes.size() > MaxAttributes) {
+    Fail(begin, "the tag " + InBrackets(node.name) + " has more than " +
+                    std::to_string(MaxAttributes) + " attributes");
+  }
+  if (nodes_.size() > MaxNodes) {
+    Fail(begin, "there are more than " + std::to_string(MaxNodes) + " elements");
+  }
   if (!fault_.empty()) {
     return;
   }
@@ -176,7 +198,7 @@ bool XmlOutline::ReadAttribute(XmlNode* node) {
   attribute.value = text_.substr(position_ + 1, close - position_ - 1);
   position_ = close + 1;
   node->attributes.push_back(attribute);
-  return true;
+  return node->attributes.size() <= MaxAttributes;
 }
 
 void XmlOutline::SkipBlanks() {

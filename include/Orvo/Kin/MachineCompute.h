@@ -201,6 +201,18 @@ class ORVO_API MachineCompute {
                      const Vector3D& target, const Register& reg1, const Register& reg2,
                      RotariesSolution* sol);
   void SwapSolAlphaBeta(RotariesSolution* sol);
+  ORVO_LOCAL bool ComputeAllFramesAnew(const MachinePosition& pos, std::vector<Matrix43>* frames);
+  ORVO_LOCAL bool ComputeTableFromHeadAnew(const MachinePosition& pos, const HeadIndex& head,
+                                           const TableIndex& table, const Vector3D& offset,
+                                           Matrix43* frame);
+  ORVO_LOCAL bool ComputeRotariesAnew(const MachinePosition& pos, const HeadIndex& head,
+                                      const TableIndex& table, const Vector3D& ijk,
+                                      const Register& r0, const Register& r1,
+                                      RotariesSolution* sol);
+  ORVO_LOCAL bool ComputeLinearsAnew(const MachinePosition& pos, const HeadIndex& head,
+                                     const TableIndex& table, const Vector3D& offset,
+                                     const Register registers[3], const Vector3D& point,
+                                     Vector3D* xyz);
   ORVO_LOCAL bool FindRotaryDirections(const MachinePosition& pos, const Register registers[2],
                                        RotaryDirections* directions);
   void BuildAxisChain(const HeadIndex& head, const TableIndex& table);

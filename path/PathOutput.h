@@ -1,0 +1,62 @@
+#pragma once
+
+#include "path/PathBlocks.h"
+#include "path/PathState.h"
+#include "path/SegmentMotion.h"
+#include "path/WorkerPool.h"
+
+#include <Orvo/Path/PathOptions.h>
+#include <Orvo/Path/PathSolver.h>
+#include <Orvo/Path/SolvedPoint.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace Orvo::Path {
+
+/// Turns the steps that were chosen along a path into points, diagnoses and sums.
+class PathOutput {
+ public:
+  PathOutput(PathBlocks& blocks, WorkerPool& pool, std::vector<PointSolver>& solvers,
+             const PathOptions& options, const std::vector<std::uint32_t>& steps);
+
+  /// Goes along the path and hands out its points.
+  void Write(const PathState& start, const PathSolver::Sink& sink, PathSummary* summary);
+
+ private:
+  /// A singular stretch that is interpolated: from the point begin to the one before end.
+  struct Stretch {
+    std::uint64_t begin = 0;
+    std::uint64_t end = 0;
+    double fromDeg = 0.0;
+    double toDeg = 0.0;
+  };
+
+  void Choose(const PathBlock& block, std::vector<SolvedPoint>* points);
+  void ChooseHeld(const PathBlock& block, std::size_t i, SolvedPoint* point);
+  void FindStretch(std::uint64_t begin);
+  void Finish(const PathBlock& block, std::vector<SolvedPoint>* points);
+  void FinishPoint(PointSolver& solver, const Answers& answers, const SolvedPoint& before,
+                   SolvedPoint* point, std::vector<SolvedPoint>* inserted) const;
+  void FinishMove(PointSolver& solver, const Answers& answers, const MoveStart& before,
+                  SolvedPoint* point, std::vector<SolvedPoint>* inserted) const;
+  void Add(const SolvedPoint& point, PathSummary* summary) const;
+  void FindShift(const PathState& start, PathSummary* summary);
+
+  PathBlocks& blocks_;
+  WorkerPool& pool_;
+  std::vector<PointSolver>& solvers_;
+  const PathOptions& options_;
+  const std::vector<std::uint32_t>& steps_;
+  const MainAxes& axes_;
+
+  PathState state_;      ///< along the chosen steps, with free axes held
+  SolvedPoint last_;     ///< the last point of the block before
+  SolvedPoint lastOut_;  ///< the one before the current, as it came out
+  bool hasLast_ = false;
+  Stretch stretch_;
+  std::vector<std::vector<SolvedPoint>> inserted_;  ///< by point of the block
+};
+
+}  // namespace Orvo::Path

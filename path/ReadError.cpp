@@ -1,0 +1,26 @@
+#include <Orvo/Path/ReadError.h>
+
+#include <utility>
+
+namespace Orvo::Path {
+namespace {
+
+std::string PlaceOf(const std::string& file, std::uint64_t line, std::uint64_t column) {
+  return line == 0 ? file + ": "
+                   : file + ":" + std::to_string(line) + ":" + std::to_string(column) + ": ";
+}
+
+}  // namespace
+
+ReadError::ReadError(std::string file, std::uint64_t line, std::uint64_t column,
+                     std::string message)
+    : std::runtime_error(PlaceOf(file, line, column) + message),
+      file_(std::move(file)),
+      line_(line),
+      column_(column),
+      message_(std::move(message)) {}
+
+ReadError::ReadError(const ReadError&) = default;
+ReadError::~ReadError() = default;
+
+}  // namespace Orvo::Path

@@ -1,0 +1,378 @@
+#include "support/Sanitizers.h"
+#include "tools/ToolRun.h"
+
+#include <Orvo/Kin/Machine.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <cstddef>
+#include <filesystem>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace Orvo::Testing {
+namespace {
+
+using nlohmann::json;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+/// A sound machine file with three linear axes and two rotary ones, one thing a line.
+const std::string& Sound() {
+  static const std::string text = ToolRun().Run({"new", "trunnion-ac"}).out;
+  return text;
+}
+
+/// Replaces the first occurrence of a text behind another one.
+std::string Replace(std::string text, const std::string& behind, const std::string& from,
+                    const std::string& to) {
+  const std::size_t begin = text.find(behind);
+  EXPECT_NE(begin, std::string::npos) << behind;
+  const std::size_t position = text.find(from, begin);
+  EXPECT_NE(position, std::string::npos) << from;
+  return text.replace(position, from.size(), to);
+}
+
+/// Returns the line of a text in another one, from 1.
+std::size_t LineOf(const std::string& text, const std::string& behind, const std::string& what) {
+  const std::size_t begin = text.find(behind);
+  const std::size_t position = text.find(what, begin == std::string::npos ? 0 : begin);
+  EXPECT_NE(position, std::string::npos) << what;
+  std::size_t line = 1;
+  for (std::size_t i = 0; i < std::min(position, text.size()); ++i) {
+    line += text[i] == '\n' ? 1U : 0U;
+  }
+  return line;
+}
+
+json Findings(const ToolRun& tool, const std::string& text) {
+  const std::string file = tool.Write("machine.xml", text);
+  const ToolResult result = tool.Run({"validate", "--format", "json", file});
+  EXPECT_EQ(result.err, "");
+  return json::parse(result.out);
+}
+
+// One edit of a sound file: its finding, where it is, and nothing else.
+TEST(Validate, EachFaultHasItsCodeAndItsLine) {
+  struct Case {
+    const char* name;
+    std::string behind;
+    std::string from;
+    std::string to;
+    std::vector<std::string> codes;
+    std::string blamed;  ///< a text on the line that is blamed, found behind `behind`; or nothing
+    int status;
+  };
+  const std::string x = "<Name>X</Name>";
+  const std::string a = "<Name>A</Name>";
+  const std::string c = "<Name>C</Name>";
+  const Case cases[] = {
+      {"an id twice", x, "<Id>5", "<Id>4", {"V201"}, "<Id>4", 3},
+      {"a negative id", "<Name>Spindle", "<Id>3", "<Id>-3", {"V202"}, "<Id>-3", 3},
+      {"a register twice", c, "<Register>4", "<Register>3", {"V203", "V303"}, "<Register>3", 3},
+      {"no register", c, "<Register>4", "<Register>-1", {"V204", "V303"}, "<Register>-1", 3},
+      {"a register of what stands still",
+       "<Name>Base</Name>",
+       "<Register>-1",
+       "<Register>5",
+       {"V205"},
+       "<Register>5",
+       0},
+      {"a parent that isn't there",
+       "<Name>Z</Name>",
+       "<ParentId>1",
+       "<ParentId>77",
+       {"V207", "V311"},
+       "<ParentId>77",
+       3},
+      {"its own parent", x, "<ParentId>4", "<ParentId>5", {"V206"}, "<ParentId>5", 3},
+      {"a null direction", x, "Dir X=\"-1\"", "Dir X=\"0\"", {"V209"}, "<Dir", 3},
+      {"a long direction", x, "Dir X=\"-1\"", "Dir X=\"-2\"", {"V210"}, "<Dir", 0},
+      {"a frame that is not rigid",
+       "<Name>Table</Name>",
+       "<U X=\"1\"",
+       "<U X=\"1.01\"",
+       {"V211"},
+       "<Position>",
+       3},
+      {"a frame that mirrors",
+       "<Name>Table</Name>",
+       "<U X=\"1\"",
+       "<U X=\"-1\"",
+       {"V211"},
+       "<Position>",
+       3},
+      {"a reversed range", x, "<RangeMin>-400", "<RangeMin>401", {"V212"}, "<RangeMin>", 3},
+      {"a link that can't be computed", x, "LINEAR", "XYZABC", {"V213"}, "<Type>XYZABC", 3},
+      {"no name", x, "<Name>X</Name>", "<Name></Name>", {"V214"}, "<Entity>", 0},
+      {"a name twice", x, "<Name>X</Name>", "<Name>Y</Name>", {"V215"}, "", 0},
+      {"no head", "<Name>Spindle", "<Type>HEAD", "<Type>AXIS", {"V216", "V301"}, "", 3},
+      {"no table", "<Name>Table", "<Type>TABLE", "<Type>AXIS", {"V217", "V302"}, "", 3},
+      {"a register far away", c, "<Register>4", "<Register>5000", {"V219", "V303"}, "", 3},
+      {"a part that is missing", x, "<Motor>true</Motor>", "", {"V103"}, "", 3},
+      {"no number", x, "<RangeMax>400", "<RangeMax>wide", {"V104"}, "<RangeMax>wide", 3},
+      {"an unknown word", x, "<Type>AXIS", "<Type>axis", {"V105"}, "<Type>axis", 3},
+      {"blanks around a word", x, "<Motor>true", "<Motor> true", {"V105"}, "<Motor> true", 3},
+      {"an id too large", "<Name>Table", "<Id>8", "<Id>16777216", {"V106"}, "<Id>16777216", 3},
+      {"more than a number", x, "<RangeMax>400", "<RangeMax>400 mm", {"V107"}, "400 mm", 0},
+      {"an unknown element", x, "<Motor>", "<Color>red</Color><Motor>", {"V108"}, "<Color>", 0},
+      {"an unknown attribute", x, "<Motor>", "<Motor is=\"x\">", {"V109"}, "<Motor is", 0},
+      {"an element twice", x, "<Motor>", "<Id>9</Id><Motor>", {"V110"}, "<Id>9", 0},
+      {"a link that is not whole", x, "<ZeroRef>0</ZeroRef>", "", {"V111"}, "", 3},
+      {"infinity", x, "<RangeMax>400", "<RangeMax>inf", {"V112"}, "<RangeMax>inf", 3},
+      {"bytes that are no UTF-8", x, "<Name>X", "<Name>\xFF", {"V113"}, "<Name>\xFF", 0},
+      {"no such head", "<Program", "<HeadIndex>0", "<HeadIndex>1", {"V301"}, "<HeadIndex>", 3},
+      {"no such table", "<Program", "<TableIndex>0", "<TableIndex>-1", {"V302"}, "<TableIn", 3},
+      {"no such axis", "<Program", "RegR1=\"4\"", "RegR1=\"9\"", {"V303"}, "<MainRotary", 3},
+      {"a rotary axis as a linear one",
+       "<Program",
+       "RegZ=\"2\"",
+       "RegZ=\"4\"",
+       {"V304", "V305"},
+       "<MainLinear",
+       3},
+      {"an axis twice", "<Program", "RegY=\"1\"", "RegY=\"0\"", {"V305"}, "<MainLinear", 3},
+      {"an axis that is not named",
+       "<Program",
+       "RegY=\"1\"",
+       "RegY=\"-1\"",
+       {"V306"},
+       "<MainLinear",
+       3},
+      {"oblique axes", x, "Dir X=\"-1\" Y=\"0\"", "Dir X=\"-0.8\" Y=\"0.6\"", {"V308"}, "", 0},
+      {"a plane of axes", x, "Dir X=\"-1\" Y=\"0\"", "Dir X=\"0\" Y=\"1\"", {"V309"}, "", 3},
+      {"parallel rotary axes",
+       a,
+       "Dir X=\"-1\" Y=\"0\" Z=\"0\"",
+       "Dir X=\"0\" Y=\"0\" Z=\"1\"",
+       {"V310"},
+       "",
+       0},
+  };
+  for (const Case& c1 : cases) {
+    SCOPED_TRACE(c1.name);
+    const ToolRun tool;
+    const std::string text = Replace(Sound(), c1.behind, c1.from, c1.to);
+    const json report = Findings(tool, text);
+    std::set<std::string> codes;
+    std::set<std::size_t> lines;
+    for (const json& finding : report["findings"]) {
+      codes.insert(finding["code"].get<std::string>());
+      if (finding["code"] == c1.codes[0] && finding["line"].is_number()) {
+        lines.insert(finding["line"].get<std::size_t>());
+      }
+      EXPECT_FALSE(finding["text"].get<std::string>().empty());
+      EXPECT_FALSE(finding["name"].get<std::string>().empty());
+    }
+    for (const std::string& code : c1.codes) {
+      EXPECT_EQ(codes.count(code), 1U) << code << "\n" << report.dump(1);
+    }
+    if (c1.status == 0) {
+      EXPECT_EQ(codes.size(), c1.codes.size()) << report.dump(1);
+    }
+    if (!c1.blamed.empty()) {
+      const std::string behind = c1.behind == c1.from ? std::string("<Name>Y</Name>") : c1.behind;
+      EXPECT_THAT(lines, ElementsAre(LineOf(text, behind, c1.blamed))) << report.dump(1);
+    }
+    EXPECT_EQ(report["valid"].get<bool>(), c1.status == 0);
+    EXPECT_EQ(tool.Run({"validate", tool.File("machine.xml")}).status, c1.status);
+  }
+}
+
+// Warnings alone are good, unless they are not to be.
+TEST(Validate, StrictTakesWarningsForErrors) {
+  const ToolRun tool;
+  const std::string file = tool.Write(
+      "machine.xml", Replace(Sound(), "<Name>X", "<Motor>", "<Color>red</Color><Motor>"));
+  EXPECT_EQ(tool.Run({"validate", file}).status, 0);
+  EXPECT_EQ(tool.Run({"validate", "--strict", file}).status, 3);
+  const std::string sound = tool.Write("sound.xml", Sound());
+  EXPECT_EQ(tool.Run({"validate", "--strict", sound}).status, 0);
+  EXPECT_EQ(tool.Run({"validate", sound}).out, sound + ": nothing is wrong\n");
+}
+
+// What is no machine file at all has its own status.
+TEST(Validate, WhatIsNoMachineFileIsUnreadable) {
+  struct Case {
+    std::string text;
+    std::string what;
+  };
+  for (const Case& c :
+       {Case{"", ":1:1: error V101 not-well-formed: there is no XML element"},
+        Case{"<Machine>\n<Entities>", ":2:11: error V101 not-well-formed"},
+        Case{"hello", ":1:1: error V101 not-well-formed"},
+        Case{"<robot/>", ":1:1: error V102 no-machine: the top element is <robot>"}}) {
+    const ToolRun tool;
+    const std::string file = tool.Write("machine.xml", c.text);
+    const ToolResult result = tool.Run({"validate", file});
+    EXPECT_EQ(result.status, 2) << c.text;
+    EXPECT_THAT(result.out, HasSubstr(file + c.what));
+    EXPECT_THAT(result.out, HasSubstr(": 1 error, 0 warnings\n"));
+  }
+  const ToolRun tool;
+  EXPECT_EQ(tool.Run({"validate", tool.File("missing.xml")}).status, 2);
+  EXPECT_EQ(tool.Run({"validate", tool.Folder().Path().string()}).status, 2);
+}
+
+// All that is wrong is told at once, in the order of the file, a line each in JSON Lines.
+TEST(Validate, AllIsToldAtOnce) {
+  const ToolRun tool;
+  std::string text = Replace(Sound(), "<Name>X", "<RangeMax>400", "<RangeMax>wide");
+  text = Replace(text, "<Name>A", "<Type>AXIS", "<Type>AXLE");
+  text = Replace(text, "<Program", "RegY=\"1\"", "RegY=\"x\"");
+  const std::string file = tool.Write("machine.xml", text);
+  const ToolResult result = tool.Run({"validate", "--format", "jsonl", file});
+  EXPECT_EQ(result.status, 3);
+  std::vector<std::string> codes;
+  std::size_t last = 0;
+  for (const std::string& line : Lines(result.out)) {
+    const json finding = json::parse(line);
+    codes.push_back(finding["code"]);
+    EXPECT_GE(finding["line"].get<std::size_t>(), last);
+    last = finding["line"].get<std::size_t>();
+  }
+  EXPECT_THAT(codes, ElementsAre("V104", "V105", "V104"));
+}
+
+// A cycle is told once, with its members; what hangs on it is not blamed for it.
+TEST(Validate, CycleIsToldOnce) {
+  const ToolRun tool;
+  const std::string text = Replace(Sound(), "<Name>Y", "<ParentId>1", "<ParentId>6");
+  const json report = Findings(tool, text);
+  std::size_t cycles = 0;
+  for (const json& finding : report["findings"]) {
+    if (finding["code"] == "V206") {
+      ++cycles;
+      EXPECT_THAT(finding["text"].get<std::string>(),
+                  HasSubstr("Y (id 4) -> A (id 6) -> X (id 5) -> Y (id 4)"));
+    }
+  }
+  EXPECT_EQ(cycles, 1U);
+}
+
+// Mesh files are looked for beside the machine file, and held against their size.
+TEST(Validate, MeshFilesAreLookedFor) {
+  const ToolRun tool;
+  const std::string text =
+      Replace(Sound(), "<Name>X", "</EntityLink>",
+              "</EntityLink><Meshes><Mesh><RGB>1</RGB></Mesh><Mesh><RGB>2</RGB></Mesh></Meshes>");
+  json report = Findings(tool, text);
+  ASSERT_EQ(report["findings"].size(), 2U);
+  EXPECT_EQ(report["findings"][0]["code"], "V402");
+  EXPECT_THAT(report["findings"][0]["text"].get<std::string>(), HasSubstr("machine_5_0.stl"));
+  std::string mesh(84, '\0');
+  mesh[80] = 1;
+  tool.Write("machine_5_0.stl", mesh + std::string(50, '\0'));
+  tool.Write("machine_5_1.stl", mesh + std::string(49, '\0'));
+  report = Findings(tool, text);
+  ASSERT_EQ(report["findings"].size(), 1U);
+  EXPECT_EQ(report["findings"][0]["code"], "V403");
+  EXPECT_THAT(report["findings"][0]["text"].get<std::string>(),
+              HasSubstr("has 133 bytes; its 1 triangles need 134"));
+  EXPECT_EQ(tool.Shell("\"$ORVO\" validate --strict - < machine.xml").status, 0)
+      << "nobody knows where those of the standard input are";
+}
+
+// A machine in JSON is judged as well; what its reader refuses has a place.
+TEST(Validate, MachinesInJsonAreJudged) {
+  const ToolRun tool;
+  tool.Write("machine.xml", Sound());
+  ASSERT_EQ(tool.Shell("\"$ORVO\" convert machine.xml machine.json").status, 0);
+  EXPECT_EQ(tool.Run({"validate", "--strict", tool.File("machine.json")}).status, 0);
+  EXPECT_EQ(tool.Shell("\"$ORVO\" ik machine.json 1,2,50 0,0,1 --format json | tail -n +3").out,
+            tool.Shell("\"$ORVO\" ik machine.xml 1,2,50 0,0,1 --format json | tail -n +3").out);
+  tool.Write("faulty.xml", Replace(Sound(), "<Name>X", "<RangeMin>-400", "<RangeMin>401"));
+  ASSERT_EQ(tool.Shell("\"$ORVO\" convert faulty.xml faulty.json").status, 0);
+  const ToolResult faulty = tool.Run({"validate", tool.File("faulty.json")});
+  EXPECT_EQ(faulty.status, 3);
+  EXPECT_THAT(faulty.out, HasSubstr("faulty.json: error V212 range-reversed: X (id 5)"));
+  const ToolResult broken = tool.Run({"validate", tool.Write("broken.JSON", "{\n oops }")});
+  EXPECT_EQ(broken.status, 2);
+  EXPECT_THAT(broken.err, HasSubstr("broken.JSON:2:"));
+}
+
+// The machines that come with the project are sound.
+TEST(Validate, ExamplesAreSound) {
+  const ToolRun tool;
+  for (const char* name : {"trunnion_ac", "head_table_bc", "gantry_head_head_ca", "millturn_2h2t",
+                           "nutating_head_bc"}) {
+    EXPECT_EQ(tool.Run({"validate", ExampleMachine(name)}).status, 0) << name;
+  }
+}
+
+// What the library refuses, validation refuses: cut files, and files with any byte changed.
+TEST(Validate, IsNoMilderThanTheLibrary) {
+  const ToolRun tool;
+  const std::string& text = Sound();
+  std::size_t refused = 0;
+  for (std::size_t place = 40; place < text.size(); place += 211) {
+    std::string changed = text;
+    changed[place] = changed[place] == '1' ? 'q' : '1';
+    const std::string file = tool.Write("machine.xml", changed);
+    const int info = tool.Run({"info", file}).status;
+    const int validate = tool.Run({"validate", file}).status;
+    refused += info != 0 ? 1U : 0U;
+    if (info != 0) {
+      EXPECT_NE(validate, 0) << changed.substr(place - 20, 40);
+    }
+  }
+  EXPECT_GT(refused, 10U);
+}
+
+// Hostile files end in a report, in time and memory that the file's size bounds.
+TEST(Validate, HostileFilesEnd) {
+  const ToolRun tool;
+  const std::string head = "<Machine><Entities>";
+  std::string chain = head;
+  const std::string& sound = Sound();
+  const std::size_t begin = sound.find("        <Entity>");
+  const std::string entity = sound.substr(begin, sound.find("</Entity>") + 9 - begin);
+  for (int i = 0; i < 20000; ++i) {
+    std::string next = Replace(entity, "<Entity>", "<Id>1<", "<Id>" + std::to_string(i) + "<");
+    chain +=
+        Replace(next, "<Entity>", "<ParentId>-1", "<ParentId>" + std::to_string((i + 1) % 20000));
+  }
+  std::string unknown = head;
+  for (int i = 0; i < 200000; ++i) {
+    unknown += "<a/>";
+  }
+  std::string attributes = "<Machine";
+  for (int i = 0; i < 2000; ++i) {
+    attributes += " a" + std::to_string(i) + "='1'";
+  }
+  std::string deep;
+  for (int i = 0; i < 100000; ++i) {
+    deep += "<a>";
+  }
+  struct Case {
+    const char* name;
+    std::string text;
+    int status;
+    std::string what;
+  };
+  const std::string tail = "</Entities></Machine>";
+  for (const Case& c :
+       {Case{"a cycle of 20000", chain + tail, 3, "(20000 in all)"},
+        Case{"200000 unknown elements", unknown + tail, 3, "more are not shown"},
+        Case{"2000 attributes", attributes + "/>", 2, "more than 1000 attributes"},
+        Case{"no end of depth", deep, 2, "nested more than 100 deep"},
+        Case{"a reference without end", head + "&#x;&;" + tail, 3, "three are needed"},
+        Case{"names that steer a terminal", Replace(sound, "<Name>X", "<Name>X", "<Name>\x1b[2J"),
+             0, "nothing is wrong"}}) {
+    const std::string file = tool.Write("machine.xml", c.text);
+    const ToolResult result = tool.Run({"validate", file});
+    EXPECT_EQ(result.status, c.status) << c.name;
+    EXPECT_THAT(result.out, HasSubstr(c.what)) << c.name;
+    EXPECT_EQ(result.out.find('\x1b'), std::string::npos) << c.name;
+#if !defined(ORVO_TEST_HAS_ALLOCATOR_OF_ITS_OWN)
+    EXPECT_LT(result.peakKilobytes, 400000) << c.name;
+#endif
+  }
+}
+
+}  // namespace
+}  // namespace Orvo::Testing

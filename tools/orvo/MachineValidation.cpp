@@ -1,0 +1,267 @@
+#include "MachineValidation.h"
+
+#include "Failure.h"
+#include "MachineFile.h"
+#include "MachineFileModel.h"
+#include "MachineStructure.h"
+#include "StandardInput.h"
+#include "WideText.h"
+#include "XmlOutline.h"
+
+#include <Orvo/Kin/Machine.h>
+#include <Orvo/Kin/MachinePosition.h>
+#include <Orvo/Kin/ProgramSystem.h>
+#include <Orvo/Path/Diagnosis.h>
+#include <Orvo/Path/PointSolver.h>
+#include <Orvo/Vector3D.h>
+
+#include <utf8.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <optional>
+#include <set>
+#include <string_view>
+#include <system_error>
+
+namespace OrvoTool {
+namespace {
+
+/// How many program systems the library is asked about; each may take as long as the machine is
+/// large.
+constexpr std::size_t MaxPrepared = 64;
+
+/// Larger machines are not prepared, for the same reason.
+constexpr std::size_t MaxPreparedElements = 20000;
+
+/// The bytes of a mesh file in front of its triangles, and those of each triangle.
+constexpr std::uintmax_t StlHeaderBytes = 84;
+constexpr std::uintmax_t StlTriangleBytes = 50;
+constexpr std::size_t StlCountOffset = 80;
+
+const TextPlace Whole = {0, 0};
+
+std::string ReadBytes(const std::string& name) {
+  const std::string shown = ShownInput(name);
+  if (IsStandardStream(name)) {
+    return ReadStandardInput(MaxMachineFileBytes);
+  }
+  CheckMachineFile(name);
+  const std::filesystem::path file = FileFromUtf8(name);
+  std::ifstream stream(file, std::ios::binary);
+  std::string bytes;
+  std::array<char, 65536> chunk;
+  errno = 0;
+  while (stream.read(chunk.data(), chunk.size()) || stream.gcount() > 0) {
+    bytes.append(chunk.data(), static_cast<std::size_t>(stream.gcount()));
+    if (bytes.size() > MaxMachineFileBytes) {
+      throw Failure(ExitCode::Unreadable, shown + ": is larger than " +
+                                              std::to_string(MaxMachineFileBytes >> 20U) + " MiB");
+    }
+  }
+  std::error_code error;
+  const bool isWhole = !std::filesystem::is_regular_file(file, error) ||
+                       std::filesystem::file_size(file, error) == bytes.size();
+  if (stream.bad() || !isWhole) {
+    throw Failure(ExitCode::Unreadable,
+                  shown + ": can't be read" +
+                      (errno != 0 ? ": " + std::generic_category().message(errno) : ""));
+  }
+  return bytes;
+}
+
+void CheckEncoding(const std::string& bytes, MachineFindings* findings) {
+  const auto bad = utf8::find_invalid(bytes.begin(), bytes.end());
+  if (bad == bytes.end()) {
+    return;
+  }
+  const std::string_view before(bytes.data(), static_cast<std::size_t>(bad - bytes.begin()));
+  const std::size_t lineBegin = before.rfind('\n') + 1;
+  const TextPlace place = {
+      1 + static_cast<std::uint64_t>(std::count(before.begin(), before.end(), '\n')),
+      1 + CountCharacters(before.substr(lineBegin))};
+  findings->Add(FindingCode::NotUtf8, place,
+                "bytes that are no UTF-8: they read as U+FFFD; save the file as UTF-8");
+}
+
+/// Returns why a mesh file can't be read as one, or nothing.
+std::string FindMeshFault(const std::filesystem::path& file, FindingCode* code) {
+  *code = FindingCode::MeshFileFaulty;
+  std::error_code error;
+  const std::filesystem::file_status status = std::filesystem::status(file, error);
+  if (!std::filesystem::exists(status)) {
+    *code = FindingCode::MeshFileMissing;
+    return "is missing";
+  }
+  if (!std::filesystem::is_regular_file(status)) {
+    return "is no file";
+  }
+  const std::uintmax_t size = std::filesystem::file_size(file, error);
+  if (!error && size < StlHeaderBytes) {
+    return "is shorter than the 84 bytes in front of the triangles";
+  }
+  errno = 0;
+  std::ifstream stream(file, std::ios::binary);
+  std::array<char, StlHeaderBytes> header = {};
+  if (!stream.read(header.data(), header.size())) {
+    throw Failure(ExitCode::Unreadable,
+                  Printable(Utf8FromFile(file)) + ": can't be read" +
+                      (errno != 0 ? ": " + std::generic_category().message(errno) : ""));
+  }
+  std::uint32_t triangleNb = 0;
+  for (std::size_t i = 0; i < 4; ++i) {
+    triangleNb |= static_cast<std::uint32_t>(static_cast<unsigned char>(header[StlCountOffset + i]))
+                  << (8 * i);
+  }
+  if (triangleNb == 0) {
+    return "holds no triangle";
+  }
+  const std::uintmax_t needed = StlHeaderBytes + StlTriangleBytes * triangleNb;
+  if (!error && size < needed) {
+    return "has " + std::to_string(size) + " bytes; its " + std::to_string(triangleNb) +
+           " triangles need " + std::to_string(needed);
+  }
+  return "";
+}
+
+void CheckMeshFiles(const std::string& name, const FileMachine& machine,
+                    MachineFindings* findings) {
+  const std::string stem = name.substr(0, name.rfind('.'));
+  for (const FileElement& element : machine.elements) {
+    for (int i = 0; element.id.isGood && i < element.meshNb; ++i) {
+      const std::string mesh =
+          stem + "_" + std::to_string(element.id.value) + "_" + std::to_string(i) + ".stl";
+      FindingCode code = FindingCode::MeshFileMissing;
+      const std::string fault = FindMeshFault(FileFromUtf8(mesh), &code);
+      if (!fault.empty()) {
+        findings->Add(AboutElement(code, element.place, element,
+                                   "the mesh file " + Printable(mesh) + " " + fault));
+      }
+    }
+  }
+}
+
+/// Has the path library prepare each program system, and tells what it finds that isn't told yet.
+void PrepareProgramSystems(const Orvo::Kin::Machine& machine, MachineFindings* findings) {
+  std::size_t number = 0;
+  for (const Orvo::Kin::ProgramSystem& system : machine.GetListProgramSystem()) {
+    if (number == MaxPrepared) {
+      return;
+    }
+    Orvo::Kin::MachinePosition position;
+    machine.Alloc(&position);
+    const Orvo::Path::PointSolver solver(machine, system, Orvo::Vector3D(0.0, 0.0, 0.0), position);
+    const std::string shown = "program system " + std::to_string(number) + " (" +
+                              PrintableFromWide(system.GetProgramSystemName()) + "): ";
+    for (const Orvo::Path::Diagnosis& diagnosis : solver.GetFindings()) {
+      if (diagnosis.IsFailure() ||
+          diagnosis.GetCode() == Orvo::Path::DiagnosisCode::RegisterUnfit ||
+          diagnosis.GetCode() == Orvo::Path::DiagnosisCode::ChainUnfit) {
+        findings->Add(FindingCode::NotComputable, Whole, shown + Printable(diagnosis.MakeText()));
+      }
+    }
+    ++number;
+  }
+}
+
+/// Has the library read the file, and tells what it refuses although nothing was found.
+void CheckByLibrary(const std::string& name, const std::string& bytes,
+                    MachineValidation* validation) {
+  MachineFindings* findings = &validation->findings;
+  Orvo::Kin::Machine machine;
+  const bool hadErrors = findings->GetErrorNb() > 0;
+  try {
+    ReadMachineBytes(name, bytes, &machine);
+  } catch (const Failure& failure) {
+    if (!hadErrors) {
+      findings->Add(FindingCode::NotReadByLibrary, Whole, failure.what());
+      validation->refusal = failure.what();
+    }
+    return;
+  }
+  if (hadErrors) {
+    return;
+  }
+  if (!machine.IsFinished()) {
+    findings->Add(FindingCode::NotValidByLibrary, Whole,
+                  std::string("the machine is ") + DescribeVerdict(machine.GetLastError()));
+    return;
+  }
+  if (static_cast<std::size_t>(machine.GetEntityNb()) <= MaxPreparedElements) {
+    PrepareProgramSystems(machine, findings);
+  }
+}
+
+/// Looks at a machine in JSON. Its reader refuses what it does not know, with the place; what it
+/// takes is looked at in the form of a machine file, where places mean nothing.
+void ValidateJson(const std::string& name, MachineValidation* validation) {
+  Orvo::Kin::Machine machine;
+  ReadMachine(name, &machine);
+  validation->isMachineFile = true;
+  const SpooledInput spooled(".xml", std::string());
+  const std::optional<std::wstring> wide = WideFromUtf8(spooled.GetName());
+  if (!wide || !machine.WriteXML(*wide)) {
+    throw Failure(ExitCode::Unreadable, "orvo: a temporary file can't be written");
+  }
+  const std::string bytes = ReadBytes(spooled.GetName());
+  const XmlOutline outline(bytes);
+  MachineFindings found;
+  const std::optional<FileMachine> file =
+      outline.IsWellFormed() ? ReadFileMachine(outline, &found) : std::nullopt;
+  if (file) {
+    CheckElements(*file, &found);
+    CheckProgramSystems(*file, &found);
+  }
+  for (MachineFinding finding : found.GetAll()) {
+    finding.place = Whole;
+    validation->findings.Add(finding);
+  }
+  if (validation->findings.GetErrorNb() > 0) {
+    return;
+  }
+  if (!machine.IsFinished()) {
+    validation->findings.Add(
+        FindingCode::NotValidByLibrary, Whole,
+        std::string("the machine is ") + DescribeVerdict(machine.GetLastError()));
+  } else if (static_cast<std::size_t>(machine.GetEntityNb()) <= MaxPreparedElements) {
+    PrepareProgramSystems(machine, &validation->findings);
+  }
+}
+
+}  // namespace
+
+MachineValidation ValidateMachineFile(const std::string& name) {
+  MachineValidation validation;
+  MachineFindings* findings = &validation.findings;
+  if (IsJsonMachine(name)) {
+    ValidateJson(name, &validation);
+    return validation;
+  }
+  const std::string bytes = ReadBytes(name);
+  const XmlOutline outline(bytes);
+  if (!outline.IsWellFormed()) {
+    findings->Add(FindingCode::NotWellFormed, outline.GetFaultPlace(), outline.GetFault());
+    return validation;
+  }
+  CheckEncoding(bytes, findings);
+  const std::optional<FileMachine> machine = ReadFileMachine(outline, findings);
+  if (!machine) {
+    return validation;
+  }
+  CheckElements(*machine, findings);
+  CheckProgramSystems(*machine, findings);
+  if (!IsStandardStream(name)) {
+    CheckMeshFiles(name, *machine, findings);
+  }
+  validation.isMachineFile = true;
+  CheckByLibrary(name, bytes, &validation);
+  findings->Sort();
+  return validation;
+}
+
+}  // namespace OrvoTool
