@@ -161,7 +161,7 @@ bool ChainModel::SolveLinear(const Trig& trig, const Vec3& point, double* values
     }
     missing = missing - (x * step[0] + (y * step[1] + z * step[2]));
   }
-  return std::isfinite(values[0]) && std::isfinite(values[1]) && std::isfinite(values[2]);
+  return IsFinite({values[0], values[1], values[2]});
 }
 
 }  // namespace Orvo::Path

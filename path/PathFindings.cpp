@@ -54,9 +54,7 @@ Diagnosis FindHeldAxis(const PointSolver& solver, double deviation) {
   return diagnosis;
 }
 
-void AddMoveFindings(const PointSolver& solver, const PathOptions& options, const Answers& answers,
-                     const MoveStart& before, SolvedPoint* point) {
-  const MainAxes& axes = solver.GetAxes();
+void AddJumpFindings(const MainAxes& axes, const MoveStart& before, SolvedPoint* point) {
   if (point->isBranchChange) {
     Diagnosis diagnosis(DiagnosisCode::BranchChange);
     diagnosis.quantities = {{"turn", AddTurns(axes, before, *point, -1.0, &diagnosis), "deg"}};
@@ -67,6 +65,10 @@ void AddMoveFindings(const PointSolver& solver, const PathOptions& options, cons
     diagnosis.quantities = {{"turn", AddTurns(axes, before, *point, 180.0, &diagnosis), "deg"}};
     point->diagnoses.push_back(diagnosis);
   }
+}
+
+void AddNearSingular(const PointSolver& solver, const PathOptions& options, const Answers& answers,
+                     const MoveStart& before, SolvedPoint* point) {
   if (solver.GetFreeAxis() < 0 || point->isHeld ||
       DegFromRad(answers.singularAngle) > options.nearSingularDeg) {
     return;
@@ -79,7 +81,7 @@ void AddMoveFindings(const PointSolver& solver, const PathOptions& options, cons
   const double length = before.target.point.Distance(point->target.point);
   Diagnosis diagnosis(DiagnosisCode::NearSingular);
   diagnosis.elements.push_back(
-      TurnOf(axes.axes[freeAxis], before.values[freeAxis], point->values[freeAxis]));
+      TurnOf(solver.GetAxes().axes[freeAxis], before.values[freeAxis], point->values[freeAxis]));
   diagnosis.quantities = {
       {"angle", DegFromRad(answers.singularAngle), "deg"},
       {"turn", turn, "deg"},

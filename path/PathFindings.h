@@ -15,9 +15,12 @@ Diagnosis FindSegmentDeviation(double tip, double direction);
 /// Says by how much a held axis lets the direction deviate, in radians.
 Diagnosis FindHeldAxis(const PointSolver& solver, double deviation);
 
-/// Adds what is to be said of the move between two solved points: near singular, branch change,
-/// unwinding.
-void AddMoveFindings(const PointSolver& solver, const PathOptions& options, const Answers& answers,
+/// Adds what is to be said of the jump that the move to a point makes, if it makes one: branch
+/// change, unwinding.
+void AddJumpFindings(const MainAxes& axes, const MoveStart& before, SolvedPoint* point);
+
+/// Says so where the move to a point turns the free axis far, near a singular direction.
+void AddNearSingular(const PointSolver& solver, const PathOptions& options, const Answers& answers,
                      const MoveStart& before, SolvedPoint* point);
 
 /// Returns the values of the answer that is least out of the linear ranges, with its rotary ones in

@@ -41,7 +41,7 @@ void PathOutput::FindStretch(std::uint64_t begin) {
   const auto freeAxis = static_cast<std::size_t>(solvers_[0].GetFreeAxis());
   stretch_.fromDeg = state_.values[freeAxis];
   stretch_.toDeg = stretch_.fromDeg;
-  if (begin == 0 || stretch_.end == steps_.size()) {
+  if ((begin == 0 && options_.isStartFree) || stretch_.end == steps_.size()) {
     return;
   }
   const PathStep exit = PathStep::Unpack(steps_[stretch_.end]);
@@ -57,7 +57,8 @@ void PathOutput::FindStretch(std::uint64_t begin) {
   stretch_.toDeg = behind.values[freeAxis];
 }
 
-void PathOutput::ChooseHeld(const PathBlock& block, std::size_t i, SolvedPoint* point) {
+void PathOutput::ChooseHeld(const PathBlock& block, std::size_t i, const PathStep& step,
+                            SolvedPoint* point) {
   const ToolPoint& target = block.points[i];
   const std::uint64_t index = block.first + i;
   const auto freeAxis = static_cast<std::size_t>(solvers_[0].GetFreeAxis());
@@ -67,18 +68,32 @@ void PathOutput::ChooseHeld(const PathBlock& block, std::size_t i, SolvedPoint* 
   }
   PathState held;
   double deviation = 0.0;
-  HoldState(blocks_.GetSolver(), target, state_, &held, &deviation);
+  HoldState(blocks_.GetSolver(), target, state_, {}, &held, &deviation);
+  TurnHeld(blocks_.GetSolver(), step, &held);
   point->values = held.values;
   point->deviation = deviation;
   if (options_.singularRule == SingularRule::Interpolate && stretch_.toDeg != stretch_.fromDeg) {
+    const auto standAt = [&](double deg) {
+      PathState from = state_;
+      from.values[freeAxis] = deg;
+      PathState between;
+      const bool isIn = HoldState(blocks_.GetSolver(), target, from, {}, &between, &deviation);
+      if (isIn) {
+        TurnHeld(blocks_.GetSolver(), step, &between);
+        point->values = between.values;
+        point->deviation = deviation;
+      }
+      return isIn;
+    };
     const double share = static_cast<double>(index + 1 - stretch_.begin) /
                          static_cast<double>(stretch_.end + 1 - stretch_.begin);
-    PathState from = state_;
-    from.values[freeAxis] = stretch_.fromDeg + (stretch_.toDeg - stretch_.fromDeg) * share;
-    PathState between;
-    if (HoldState(blocks_.GetSolver(), target, from, &between, &deviation)) {
-      point->values = between.values;
-      point->deviation = deviation;
+    if (!stretch_.isStopped &&
+        !standAt(stretch_.fromDeg + (stretch_.toDeg - stretch_.fromDeg) * share)) {
+      stretch_.isStopped = true;
+      stretch_.fromDeg = index > stretch_.begin ? lastOut_.values[freeAxis] : stretch_.fromDeg;
+    }
+    if (stretch_.isStopped) {
+      standAt(stretch_.fromDeg);
     }
   }
   held.cost = state_.cost;
@@ -105,7 +120,7 @@ void PathOutput::Choose(const PathBlock& block, std::vector<SolvedPoint>* points
       continue;
     }
     if (step.kind == PathStep::Held) {
-      ChooseHeld(block, i, &point);
+      ChooseHeld(block, i, step, &point);
     } else {
       PathState to;
       TakeStep(axes_, block.answers[i], step, state_, &to);
@@ -123,8 +138,9 @@ void PathOutput::Choose(const PathBlock& block, std::vector<SolvedPoint>* points
   }
 }
 
-void PathOutput::FinishMove(PointSolver& solver, const Answers& answers, const MoveStart& before,
-                            SolvedPoint* point, std::vector<SolvedPoint>* inserted) const {
+// How far the tool leaves the straight way between two solved points, and points against that.
+void PathOutput::FinishSegment(PointSolver& solver, const MoveStart& before, SolvedPoint* point,
+                               std::vector<SolvedPoint>* inserted) const {
   const SegmentOptions& segments = options_.segments;
   if (segments.isRefined && !point->target.isRapid) {
     SegmentDeviation left;
@@ -147,7 +163,18 @@ void PathOutput::FinishMove(PointSolver& solver, const Answers& answers, const M
       point->diagnoses.push_back(FindSegmentDeviation(deviation.tip, deviation.direction));
     }
   }
-  MoveStart from = before;
+}
+
+// A move begins where the tool stands: at the point before, elsewhere where that has no answer.
+void PathOutput::FinishMove(PointSolver& solver, const Answers& answers, const SolvedPoint& before,
+                            SolvedPoint* point, std::vector<SolvedPoint>* inserted) const {
+  MoveStart begin(before);
+  if (before.isSolved) {
+    FinishSegment(solver, begin, point, inserted);
+  } else {
+    solver.ComputeTool(begin.values, &begin.target.point, &begin.target.direction);
+  }
+  MoveStart from = begin;
   for (SolvedPoint& between : *inserted) {
     between.inverseTime = ComputeInverseTime(options_.measure, from, between);
     if (options_.hasResiduals) {
@@ -156,7 +183,8 @@ void PathOutput::FinishMove(PointSolver& solver, const Answers& answers, const M
     from = MoveStart(between);
   }
   point->inverseTime = ComputeInverseTime(options_.measure, from, *point);
-  AddMoveFindings(solver, options_, answers, before, point);
+  AddJumpFindings(axes_, begin, point);
+  AddNearSingular(solver, options_, answers, begin, point);
 }
 
 void PathOutput::FinishPoint(PointSolver& solver, const Answers& answers, const SolvedPoint& before,
@@ -171,8 +199,10 @@ void PathOutput::FinishPoint(PointSolver& solver, const Answers& answers, const 
     if (point->isHeld && point->deviation > NoDeviation) {
       point->diagnoses.push_back(FindHeldAxis(solver, point->deviation));
     }
-    if (point->index > 0 && before.isSolved) {
-      FinishMove(solver, answers, MoveStart(before), point, inserted);
+    if (point->index > 0) {
+      FinishMove(solver, answers, before, point, inserted);
+    } else {
+      AddJumpFindings(axes_, MoveStart(before), point);
     }
   }
   for (Diagnosis& diagnosis : point->diagnoses) {
@@ -230,6 +260,8 @@ void PathOutput::Add(const SolvedPoint& point, PathSummary* summary) const {
 void PathOutput::Write(const PathState& start, const PathSolver::Sink& sink, PathSummary* summary) {
   state_ = start;
   hasLast_ = false;
+  last_ = SolvedPoint();
+  last_.values = start.values;
   AxisValues before = start.values;
   bool isWanted = true;
   std::vector<SolvedPoint> points;

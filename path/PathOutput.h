@@ -31,15 +31,18 @@ class PathOutput {
     std::uint64_t end = 0;
     double fromDeg = 0.0;
     double toDeg = 0.0;
+    bool isStopped = false;  ///< by a range; the free axis stays at fromDeg from there on
   };
 
   void Choose(const PathBlock& block, std::vector<SolvedPoint>* points);
-  void ChooseHeld(const PathBlock& block, std::size_t i, SolvedPoint* point);
+  void ChooseHeld(const PathBlock& block, std::size_t i, const PathStep& step, SolvedPoint* point);
   void FindStretch(std::uint64_t begin);
   void Finish(const PathBlock& block, std::vector<SolvedPoint>* points);
   void FinishPoint(PointSolver& solver, const Answers& answers, const SolvedPoint& before,
                    SolvedPoint* point, std::vector<SolvedPoint>* inserted) const;
-  void FinishMove(PointSolver& solver, const Answers& answers, const MoveStart& before,
+  void FinishSegment(PointSolver& solver, const MoveStart& before, SolvedPoint* point,
+                     std::vector<SolvedPoint>* inserted) const;
+  void FinishMove(PointSolver& solver, const Answers& answers, const SolvedPoint& before,
                   SolvedPoint* point, std::vector<SolvedPoint>* inserted) const;
   void Add(const SolvedPoint& point, PathSummary* summary) const;
   void FindShift(const PathState& start, PathSummary* summary);

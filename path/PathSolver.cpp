@@ -2,6 +2,7 @@
 #include "path/PathOutput.h"
 #include "path/PathPlan.h"
 #include "path/PathState.h"
+#include "path/Vec3.h"
 #include "path/WorkerPool.h"
 
 #include <Orvo/Kin/Machine.h>
@@ -69,6 +70,12 @@ PathState StartState(const MainAxes& axes, const Kin::MachinePosition& position)
   return start;
 }
 
+bool HasHeld(const std::vector<std::uint32_t>& steps) {
+  return std::any_of(steps.begin(), steps.end(), [](std::uint32_t step) {
+    return PathStep::Unpack(step).kind == PathStep::Held;
+  });
+}
+
 }  // namespace
 
 struct PathSolverImplementation {
@@ -91,6 +98,7 @@ PathSolver::PathSolver(const Kin::Machine& machine, const Kin::ProgramSystem& pr
   own.position = start;
   own.options = options;
   CheckOptions(&own.options);
+  Require(IsFinite(FromVector(offset)), "the tool offset holds what is no number");
   own.solvers.emplace_back(machine, programSystem, offset, start);
   for (const double value : GetAxes().Take(start)) {
     Require(std::isfinite(value), "a value of the start is no number");
@@ -121,10 +129,30 @@ PathSummary PathSolver::Solve(PointSource& source, const Sink& sink) {
   WorkerPool pool(own.options.threadNb);
   PathBlocks blocks(source, pool, own.solvers, own.options);
   const bool isPlain = own.programSystem.GetRotariesCompute() != Kin::RotariesComputeShortestWay;
-  const std::vector<std::uint32_t> steps =
-      own.options.choice == PathChoice::Greedy
-          ? PlanGreedy(blocks, GetAxes(), own.options, start, isPlain)
-          : PlanOptimal(blocks, GetAxes(), own.options, start);
+  const auto planGreedy = [&] {
+    return PlanGreedy(blocks, GetAxes(), own.options, start, isPlain);
+  };
+  std::vector<std::uint32_t> steps = own.options.choice == PathChoice::Greedy
+                                         ? planGreedy()
+                                         : PlanOptimal(blocks, GetAxes(), own.options, start);
+  if (own.options.choice == PathChoice::Optimal &&
+      own.options.singularRule == SingularRule::Interpolate && HasHeld(steps)) {
+    // Interpolation comes after the choice, and may make the path longer that was shorter before.
+    std::vector<std::uint32_t> others = planGreedy();
+    const auto measure = [&](const std::vector<std::uint32_t>& chosen) {
+      PathOptions plain = own.options;
+      plain.hasResiduals = false;
+      plain.segments.isChecked = plain.segments.isRefined = false;
+      PathSummary sums;
+      PathOutput(blocks, pool, own.solvers, plain, chosen)
+          .Write(
+              start, [](const SolvedPoint&) { return true; }, &sums);
+      return std::make_pair(-static_cast<double>(sums.solvedNb), sums.cost);
+    };
+    if (measure(others) < measure(steps)) {
+      steps = std::move(others);
+    }
+  }
   PathSummary summary;
   PathOutput output(blocks, pool, own.solvers, own.options, steps);
   output.Write(start, sink, &summary);

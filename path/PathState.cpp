@@ -50,34 +50,47 @@ double CostOfMove(const PathMeasure& measure, const PathState& from, const AxisV
   return cost;
 }
 
-bool HoldState(PointSolver& solver, const ToolPoint& point, const PathState& from, PathState* to,
-               double* deviation) {
+bool HoldState(PointSolver& solver, const ToolPoint& point, const PathState& from,
+               const std::array<bool, 2>& isEndless, PathState* to, double* deviation) {
   const int freeAxis = solver.GetFreeAxis();
   if (freeAxis < 0) {
     return false;
   }
   const auto held = static_cast<std::size_t>(freeAxis);
   const std::size_t other = 2 * FirstRotary + 1 - held;
-  const MainAxes& axes = solver.GetAxes();
+  // The equivalent nearest to a reference that the range has; false where it has none.
+  const auto bringIn = [&](std::size_t place, double turns, double* deg) {
+    const MainAxis& axis = solver.GetAxes().axes[place];
+    if (axis.isPresent && axis.isChecked && !isEndless[place - FirstRotary]) {
+      const Turns range = TurnsInRange(axis, *deg);
+      if (range.IsEmpty()) {
+        return false;
+      }
+      turns = std::clamp(turns, range.first, range.last);
+    }
+    *deg += 360.0 * turns;
+    return true;
+  };
   double heldDeg = from.values[held];
-  if (TurnsInRange(axes.axes[held], heldDeg).IsEmpty()) {
-    heldDeg = std::clamp(heldDeg, axes.axes[held].min, axes.axes[held].max);
+  if (!bringIn(held, 0.0, &heldDeg)) {
+    const MainAxis& axis = solver.GetAxes().axes[held];
+    heldDeg = std::fmin(std::fmax(heldDeg, axis.min), axis.max);
   }
   Answer answer;
-  if (!solver.SolveHeld(point, heldDeg, &answer) || !answer.isLinearInRange) {
+  if (!solver.SolveHeld(point, heldDeg, &answer) || !answer.isLinearInRange ||
+      !bringIn(other, NearestTurns(answer.values[other], from.values[other]),
+               &answer.values[other])) {
     return false;
   }
-  const double turns = NearestTurns(answer.values[other], from.values[other]);
-  const Turns range = TurnsInRange(axes.axes[other], answer.values[other]);
-  if (range.IsEmpty()) {
-    return false;
-  }
-  const bool isBounded = axes.axes[other].isPresent && axes.axes[other].isChecked;
   to->values = answer.values;
-  to->values[other] += 360.0 * (isBounded ? std::clamp(turns, range.first, range.last) : turns);
   to->branch = 0;
   *deviation = answer.directionError;
   return true;
+}
+
+void TurnHeld(const PointSolver& solver, const PathStep& step, PathState* state) {
+  const std::size_t other = 2 * FirstRotary + 1 - static_cast<std::size_t>(solver.GetFreeAxis());
+  state->values[other] += 360.0 * step.turns[other - FirstRotary];
 }
 
 void TakeStep(const MainAxes& axes, const Answers& answers, const PathStep& step,

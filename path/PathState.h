@@ -4,6 +4,7 @@
 #include <Orvo/Path/PathOptions.h>
 #include <Orvo/Path/PointSolver.h>
 
+#include <array>
 #include <cstdint>
 
 namespace Orvo::Path {
@@ -23,8 +24,10 @@ struct PathStep {
   enum Kind : std::uint32_t { First = 0, Second = 1, Held = 2, None = 3 };
 
   Kind kind = None;
-  int turns[2] = {0,
-                  0};  ///< of each rotary axis, beyond the equivalent nearest to the state before
+
+  /// Of each rotary axis, beyond the equivalent nearest to the state before; for a held answer,
+  /// beyond the nearest one in range.
+  int turns[2] = {0, 0};
 
   std::uint32_t Pack() const {
     return (static_cast<std::uint32_t>(kind) << 30U) |
@@ -55,8 +58,14 @@ bool IsUnwinding(const AxisValues& from, const AxisValues& to);
 
 /// Computes the state with the free axis held: where it stands before, within its range. False
 /// where the other axes leave their ranges then.
-bool HoldState(PointSolver& solver, const ToolPoint& point, const PathState& from, PathState* to,
-               double* deviation);
+/// @param isEndless  for each rotary axis, whether its range leaves every angle, and the turn in
+///   which that stands doesn't count
+bool HoldState(PointSolver& solver, const ToolPoint& point, const PathState& from,
+               const std::array<bool, 2>& isEndless, PathState* to, double* deviation);
+
+/// Moves a state that HoldState() gave by the whole turns that a step says, of the axis that isn't
+/// held.
+void TurnHeld(const PointSolver& solver, const PathStep& step, PathState* state);
 
 /// Computes the values that a step leads to; cost and previous stay as they are.
 void TakeStep(const MainAxes& axes, const Answers& answers, const PathStep& step,

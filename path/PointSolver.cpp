@@ -1,3 +1,4 @@
+#include "path/FreeAxis.h"
 #include "path/PointSolverImplementation.h"
 #include "path/Polish.h"
 #include "path/SystemFindings.h"
@@ -21,6 +22,9 @@ constexpr double LargestDirectionError = 1e-6;
 /// Two answers nearer than this in both angles, in radians, are one.
 constexpr double SameAngle = 1e-9;
 
+/// A direction nearer to a singular one than this, in radians, is singular.
+constexpr double SingularTolerance = 1e-12;
+
 Kin::MachinePosition BaseOf(const Kin::Machine& machine, const MainAxes& axes,
                             const Kin::MachinePosition& position) {
   Kin::MachinePosition base;
@@ -41,9 +45,7 @@ bool IsSameAngle(double a, double b) {
 bool TakeRequest(const ToolPoint& point, Vec3* tip, Vec3* direction) {
   double ijk[] = {point.direction[0], point.direction[1], point.direction[2]};
   *tip = FromVector(point.point);
-  if (!(std::isfinite(tip->x) && std::isfinite(tip->y) && std::isfinite(tip->z) &&
-        std::isfinite(ijk[0]) && std::isfinite(ijk[1]) && std::isfinite(ijk[2])) ||
-      !MakeDirection(ijk)) {
+  if (!IsFinite(*tip) || !IsFinite(FromVector(point.direction)) || !MakeDirection(ijk)) {
     return false;
   }
   *direction = {ijk[0], ijk[1], ijk[2]};
@@ -116,6 +118,7 @@ bool PointSolverImplementation::CompleteByCalculator(const Vec3& point, Answer* 
   answer->hasLinear = compute.ComputeToolTcsToMcsXyz(
       scratch, programSystem.GetHeadIndex(), programSystem.GetTableIndex(), offset,
       axes.axes[0].reg, axes.axes[1].reg, axes.axes[2].reg, ToVector(point), &xyz);
+  answer->hasLinear = answer->hasLinear && IsFinite(FromVector(xyz));
   for (std::size_t i = 0; i < FirstRotary && answer->hasLinear; ++i) {
     answer->values[i] = xyz[static_cast<int>(i)];
   }
@@ -201,6 +204,11 @@ Answers PointSolver::Solve(const ToolPoint& point) {
     own.Rate(&answer);
     first = rad;
     ++result.count;
+  }
+  const auto isInRange = [](const Answer& answer) { return answer.IsInRange(); };
+  if (result.singularAngle <= SingularTolerance &&
+      std::none_of(result.answers.begin(), result.answers.begin() + result.count, isInRange)) {
+    FindFreeAnswers(own, tip, direction, &result);
   }
   return result;
 }

@@ -251,7 +251,7 @@ bool SolveMiddle(PointSolver& solver, const PathOptions& options, const MoveStar
   const double cone = std::max(RadFromDeg(options.singularConeDeg), 1e-12);
   double deviation = 0.0;
   if (answers.singularAngle <= cone &&
-      HoldState(solver, middle->target, near, &state, &deviation)) {
+      HoldState(solver, middle->target, near, {}, &state, &deviation)) {
     middle->isHeld = true;
     middle->deviation = deviation;
   } else if (!TakeNearest(solver.GetAxes(), answers, near, &state)) {

@@ -125,6 +125,12 @@ std::vector<Diagnosis> FindMisfits(const Kin::Machine& machine,
 }
 
 void AddChainFindings(PointSolverImplementation* own) {
+  if (!IsFinite(FromVector(own->offset))) {
+    Diagnosis diagnosis(DiagnosisCode::ChainUnfit);
+    diagnosis.detail = "the tool offset holds what is no number";
+    own->findings.push_back(diagnosis);
+    return;
+  }
   if (!own->model.IsValid()) {
     // The calculator still solves; the answers are its own, unpolished.
     Diagnosis diagnosis(DiagnosisCode::ChainUnfit);

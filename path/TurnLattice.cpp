@@ -80,9 +80,7 @@ void TurnLattice::FindTargets(const Answers& answers, bool isApproach, const Tur
       target.last[i] = range.last;
       count[i] = range.last - range.first + 1.0;
     }
-    const bool isBounded = (isBounded_[0] || !axes_->axes[FirstRotary].isPresent) &&
-                           (isBounded_[1] || !axes_->axes[FirstRotary + 1].isPresent);
-    if (mode_ == Mode::Complete && isBounded && count[0] * count[1] <= MaxSlots) {
+    if (mode_ == Mode::Complete && count[0] * count[1] <= MaxSlots) {
       target.slot = slotNb;
       target.width = static_cast<std::size_t>(count[1]);
       slotNb += static_cast<std::size_t>(count[0] * count[1]);
@@ -205,8 +203,9 @@ std::uint32_t* TurnLattice::FindSlot(const Target& target, double a, double b) {
   if (target.width == 0) {
     return nullptr;
   }
-  const auto row = static_cast<std::size_t>(a - target.first[0]);
-  const auto column = static_cast<std::size_t>(b - target.first[1]);
+  // In which turn an axis without a range stands does not matter.
+  const std::size_t row = isBounded_[0] ? static_cast<std::size_t>(a - target.first[0]) : 0;
+  const std::size_t column = isBounded_[1] ? static_cast<std::size_t>(b - target.first[1]) : 0;
   return &slots_[target.slot + row * target.width + column];
 }
 
@@ -294,22 +293,60 @@ void TurnLattice::Expand(const PathState& from, std::uint32_t place, const Targe
   }
 }
 
+// With the free axis held, the other one goes to the nearest turn; where all turns count, to the
+// others as well. False where the axis can't be held.
+bool TurnLattice::ExpandHeld(PointSolver& solver, const ToolPoint& point, std::uint32_t place,
+                             bool isApproach, double bound) {
+  const PathState& from = states_[place];
+  const bool isRelaxed = mode_ == Mode::Relaxed;
+  PathState held;
+  double deviation = 0.0;
+  if (!HoldState(solver, point, from, {isRelaxed && isFree_[0], isRelaxed && isFree_[1]}, &held,
+                 &deviation)) {
+    return false;
+  }
+  held.previous = place;
+  const std::size_t other = 2 * FirstRotary + 1 - static_cast<std::size_t>(solver.GetFreeAxis());
+  PathStep step;
+  step.kind = PathStep::Held;
+  const auto keep = [&](int turns) {
+    PathState to = held;
+    step.turns[other - FirstRotary] = turns;
+    TurnHeld(solver, step, &to);
+    if (turns != 0 && ExcessOf(axes_->axes[other], to.values[other]) != 0.0) {
+      return false;
+    }
+    to.choice = step.Pack();
+    to.cost = from.cost + (isApproach ? 0.0 : CostOfMove(*measure_, from, to.values, to.branch));
+    if (to.cost > bound) {
+      return false;
+    }
+    Keep(to, nullptr);
+    return true;
+  };
+  keep(0);
+  if (isBounded_[other - FirstRotary] && (mode_ == Mode::Complete || (isApproach && !isRelaxed))) {
+    const int most = static_cast<int>(isApproach ? MaxApproachTurns : MaxTurns);
+    for (int turns = 1; turns <= most && keep(turns);) {
+      ++turns;
+    }
+    for (int turns = 1; turns <= most && keep(-turns);) {
+      ++turns;
+    }
+  }
+  return true;
+}
+
 void TurnLattice::Step(PointSolver& solver, const ToolPoint& point, const Answers& answers,
                        bool isHeld, bool isApproach, const TurnLattice* relaxed, double excess) {
   next_.clear();
   FindTargets(answers, isApproach, relaxed, excess);
+  const double heldBound = isHeld && relaxed != nullptr && !isApproach
+                               ? relaxed->BoundOf(PathStep::Held, excess)
+                               : std::numeric_limits<double>::infinity();
   for (std::size_t i = 0; i < states_.size(); ++i) {
-    PathState to;
-    double deviation = 0.0;
     const auto place = static_cast<std::uint32_t>(i);
-    if (isHeld && HoldState(solver, point, states_[i], &to, &deviation)) {
-      to.previous = place;
-      PathStep step;
-      step.kind = PathStep::Held;
-      to.choice = step.Pack();
-      to.cost = states_[i].cost +
-                (isApproach ? 0.0 : CostOfMove(*measure_, states_[i], to.values, to.branch));
-      Keep(to, nullptr);
+    if (isHeld && ExpandHeld(solver, point, place, isApproach, heldBound)) {
       continue;
     }
     for (const Target& target : targets_) {

@@ -68,6 +68,8 @@ class TurnLattice {
     std::size_t width = 0;        ///< slots for a turn of the first axis; 0 where there are none
   };
 
+  bool ExpandHeld(PointSolver& solver, const ToolPoint& point, std::uint32_t place, bool isApproach,
+                  double bound);
   void FindTargets(const Answers& answers, bool isApproach, const TurnLattice* relaxed,
                    double excess);
   void Expand(const PathState& from, std::uint32_t place, const Target& target, bool isApproach);

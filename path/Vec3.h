@@ -28,6 +28,10 @@ inline Vec3 Cross(const Vec3& a, const Vec3& b) {
 inline double Norm(const Vec3& a) { return std::sqrt(Dot(a, a)); }
 inline Vec3 Unit(const Vec3& a) { return a * (1.0 / Norm(a)); }
 
+inline bool IsFinite(const Vec3& a) {
+  return std::isfinite(a.x) && std::isfinite(a.y) && std::isfinite(a.z);
+}
+
 /// Returns the angle between two directions of any length, exact for small angles too.
 inline double AngleBetween(const Vec3& a, const Vec3& b) {
   return std::atan2(Norm(Cross(a, b)), Dot(a, b));

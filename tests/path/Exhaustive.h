@@ -13,14 +13,16 @@
 namespace Orvo::Path::Testing {
 
 /// Goes through everything that may be taken at each point of a small path, without any cleverness,
-/// and knows nothing of how paths are solved. Points must not be singular and must have answers.
+/// and knows nothing of how paths are solved. Points without any answer are passed over.
 class Exhaustive {
  public:
-  Exhaustive(PointSolver& solver, const PathMeasure& measure)
-      : solver_(solver), measure_(measure) {}
+  /// @param coneDeg  where the free axis is held; none where that is below 0
+  Exhaustive(PointSolver& solver, const PathMeasure& measure, double coneDeg)
+      : solver_(solver), measure_(measure), coneDeg_(coneDeg) {}
 
   /// Returns the smallest cost from a start through all points; infinity where there is no way.
   double FindBest(const AxisValues& start, const std::vector<ToolPoint>& points) {
+    points_ = points;
     options_.clear();
     for (const ToolPoint& point : points) {
       options_.push_back(OptionsOf(point));
@@ -41,16 +43,38 @@ class Exhaustive {
     const Answers answers = solver_.Solve(point);
     for (int s = 0; s < answers.count; ++s) {
       const Answer& answer = answers.answers[static_cast<std::size_t>(s)];
-      for (int a = -6; a <= 6; ++a) {
-        for (int c = -6; c <= 6; ++c) {
-          Option option = {answer.values, answer.branch};
-          option.values[3] += 360.0 * a;
-          option.values[4] += 360.0 * c;
-          if (IsInside(option.values, a, c)) {
-            options.push_back(option);
-          }
+      AddTurns(answer.values, answer.branch, 6, 6, &options);
+    }
+    return options;
+  }
+
+  void AddTurns(const AxisValues& values, int branch, int mostA, int mostC,
+                std::vector<Option>* options) const {
+    for (int a = -mostA; a <= mostA; ++a) {
+      for (int c = -mostC; c <= mostC; ++c) {
+        Option option = {values, branch};
+        option.values[3] += 360.0 * a;
+        option.values[4] += 360.0 * c;
+        if (IsInside(option.values, a, c)) {
+          options->push_back(option);
         }
       }
+    }
+  }
+
+  // With the free axis where it stands; none where the point isn't singular or others leave their
+  // ranges then.
+  std::vector<Option> HeldOptionsOf(const ToolPoint& point, const AxisValues& from) {
+    std::vector<Option> options;
+    const int place = solver_.GetFreeAxis();
+    if (place < 0 || coneDeg_ < 0.0 ||
+        !(solver_.Solve(point).singularAngle <=
+          std::max(coneDeg_ * 3.14159265358979 / 180, 1e-12))) {
+      return options;
+    }
+    Answer answer;
+    if (solver_.SolveHeld(point, from[static_cast<std::size_t>(place)], &answer)) {
+      AddTurns(answer.values, 0, place == 3 ? 0 : 6, place == 4 ? 0 : 6, &options);
     }
     return options;
   }
@@ -59,8 +83,8 @@ class Exhaustive {
     const int turns[] = {0, 0, 0, a, c};
     for (std::size_t i = 0; i < MainAxisNb; ++i) {
       const MainAxis& axis = solver_.GetAxes().axes[i];
-      if (!axis.isPresent) {
-        if (turns[i] != 0) {
+      if (!axis.isPresent || !axis.isChecked) {
+        if (turns[i] != 0 && !axis.isPresent) {
           return false;
         }
       } else if (values[i] < axis.min - 1e-9 || values[i] > axis.max + 1e-9) {
@@ -89,7 +113,12 @@ class Exhaustive {
       best_ = std::min(best_, cost);
       return;
     }
-    for (const Option& option : options_[point]) {
+    const std::vector<Option> held = HeldOptionsOf(points_[point], from);
+    const std::vector<Option>& options = held.empty() ? options_[point] : held;
+    if (options.empty()) {
+      Go(point + 1, from, branch, cost);
+    }
+    for (const Option& option : options) {
       Go(point + 1, option.values, option.branch,
          cost + CostOf(from, option.values, branch, option.branch));
     }
@@ -97,6 +126,8 @@ class Exhaustive {
 
   PointSolver& solver_;
   const PathMeasure& measure_;
+  double coneDeg_;
+  std::vector<ToolPoint> points_;
   std::vector<std::vector<Option>> options_;
   double best_ = 0.0;
 };

@@ -40,6 +40,12 @@ struct MachineWish {
   bool isWide = true;       ///< rotary ranges of several turns
   int rotaryNb = 2;         ///< how many rotary axes there are
   bool isTrunnion = false;  ///< A and C on the table, nothing drawn
+
+  // Of the trunnion, to either side.
+  double reachOfA = 120.0;
+  double reachOfC = 360.0;
+  double linearReach = 2000.0;
+  bool isCEndless = false;  ///< the range of C doesn't count
 };
 
 /// Adds an axis with its register and range.
@@ -63,7 +69,8 @@ inline void BuildMachine(TestRandom& random, const MachineWish& wish, Kin::Machi
       direction += AnyDirection(random) * 0.3;
     }
     Kin::EntityId& end = ends[wish.isTrunnion ? 0 : random.Integer(0, 1)];
-    end = AddAxis(machine->AddEntityLinear(linearNames[i], end, direction), i, -2000.0, 2000.0);
+    end = AddAxis(machine->AddEntityLinear(linearNames[i], end, direction), i, -wish.linearReach,
+                  wish.linearReach);
   }
   for (int i = 0; i < wish.rotaryNb; ++i) {
     Kin::EntityId& end = ends[wish.isTrunnion ? 1 : random.Integer(0, 1)];
@@ -71,11 +78,12 @@ inline void BuildMachine(TestRandom& random, const MachineWish& wish, Kin::Machi
     const Vector3D center =
         wish.isTrunnion ? NullVector
                         : Vector3D(random.Real(-100, 100), random.Real(-100, 100), 50.0 * i);
-    const double min = wish.isTrunnion ? -120.0 : wish.isWide ? -720.0 : random.Real(-400.0, -40.0);
-    const double max = wish.isTrunnion ? 120.0 : wish.isWide ? 720.0 : random.Real(40.0, 400.0);
-    end =
-        AddAxis(machine->AddEntityRotary(rotaryNames[i], end, center, direction), 3 + i,
-                wish.isTrunnion && i == 1 ? -360.0 : min, wish.isTrunnion && i == 1 ? 360.0 : max);
+    const double reach = i == 0 ? wish.reachOfA : wish.reachOfC;
+    const double min = wish.isTrunnion ? -reach : wish.isWide ? -720.0 : random.Real(-400.0, -40.0);
+    const double max = wish.isTrunnion ? reach : wish.isWide ? 720.0 : random.Real(40.0, 400.0);
+    Kin::Entity* const axis = machine->AddEntityRotary(rotaryNames[i], end, center, direction);
+    axis->SetCheckRangeAxis(i == 0 || !wish.isCEndless);
+    end = AddAxis(axis, 3 + i, min, max);
   }
   Matrix43 frame;
   frame.SetTrans(Vector3D(0.0, 0.0, 30.0));

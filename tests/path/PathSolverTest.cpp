@@ -101,7 +101,7 @@ TEST(PathSolver, OptimalIsTheBestOfAllPaths) {
     }
     const std::vector<ToolPoint> points =
         AnyPoints(random, machine, solver.GetAxes(), wish.isWide ? 3 : 4);
-    const double best = Exhaustive(solver, options.measure).FindBest(AxisValues(), points);
+    const double best = Exhaustive(solver, options.measure, -1.0).FindBest(AxisValues(), points);
     ASSERT_TRUE(std::isfinite(best));
 
     const Solved optimal = Solve(machine, points, options);
@@ -130,6 +130,97 @@ TEST(PathSolver, OptimalIsTheBestOfAllPaths) {
   EXPECT_GE(unwoundNb, 10);
 }
 
+// So it is where directions are singular, and where an axis turns endlessly.
+TEST(PathSolver, OptimalIsTheBestThroughSingularDirections) {
+  TestRandom random;
+  SCOPED_TRACE(random.Trace());
+  int heldNb = 0;
+  int shortNb = 0;
+  int betterNb = 0;
+  for (int m = 0; m < 200; ++m) {
+    SCOPED_TRACE(m);
+    Kin::Machine machine;
+    MachineWish wish;
+    wish.isTrunnion = true;
+    wish.linearReach = random.Chance(0.3) ? 90.0 : 500.0;
+    wish.reachOfA = random.Real(20.0, 400.0);
+    wish.reachOfC = random.Real(20.0, 500.0);
+    wish.isCEndless = random.Chance(0.2);
+    BuildMachine(random, wish, &machine);
+    PathOptions options;
+    options.measure = AnyMeasure(random);
+    options.threadNb = 1;
+    options.singularConeDeg = random.Chance(0.3) ? random.Real(0.0, 20.0) : 0.0;
+    std::vector<ToolPoint> points(3);
+    for (ToolPoint& point : points) {
+      const double tilt = random.Chance(0.3) ? 0.0 : random.Real(0.0, 0.6);
+      const double around = random.Real(0.0, 6.3);
+      point.point.Set(random.Real(-50, 50), random.Real(-50, 50), random.Real(-50, 50));
+      point.direction.Set(std::sin(tilt) * std::cos(around), std::sin(tilt) * std::sin(around),
+                          std::cos(tilt));
+    }
+    Kin::MachinePosition start = ZeroOf(machine);
+    start[3] = random.Real(-wish.reachOfA, wish.reachOfA);
+    start[4] = random.Real(-wish.reachOfC, wish.reachOfC);
+    PointSolver solver(machine, *machine.GetProgramSystem(0), Vector3D(0, 0, 50), start);
+    const double best = Exhaustive(solver, options.measure, options.singularConeDeg)
+                            .FindBest(solver.GetAxes().Take(start), points);
+
+    const Solved optimal = Solve(machine, points, options, start);
+    EXPECT_NEAR(optimal.summary.cost, best, 1e-6);
+    for (const SingularRule rule : {SingularRule::Hold, SingularRule::Interpolate}) {
+      options.singularRule = rule;
+      options.choice = PathChoice::Optimal;
+      const Solved chosen = Solve(machine, points, options, start);
+      options.choice = PathChoice::Greedy;
+      const Solved greedy = Solve(machine, points, options, start);
+      EXPECT_EQ(chosen.summary.solvedNb, greedy.summary.solvedNb);
+      EXPECT_LE(chosen.summary.cost, greedy.summary.cost + 1e-9);
+      betterNb += chosen.summary.cost < greedy.summary.cost - 1e-6 ? 1 : 0;
+      for (const Solved* solved : {&chosen, &greedy}) {
+        for (const SolvedPoint& point : solved->points) {
+          EXPECT_LE(std::abs(point.values[3]), wish.reachOfA + (point.isSolved ? 1e-9 : 1e9));
+          EXPECT_TRUE(wish.isCEndless || std::abs(point.values[4]) <= wish.reachOfC + 1e-9);
+          for (const Diagnosis& diagnosis : point.diagnoses) {
+            EXPECT_NE(diagnosis.GetCode(), DiagnosisCode::None);
+          }
+        }
+      }
+    }
+    heldNb += optimal.summary.heldNb > 0 ? 1 : 0;
+    shortNb += optimal.summary.solvedNb < points.size() ? 1 : 0;
+  }
+  EXPECT_GE(heldNb, 40);
+  EXPECT_GE(shortNb, 2);
+  EXPECT_GE(betterNb, 20);
+}
+
+// Turns of an axis without a range are no different places: work stays linear in the points.
+TEST(PathSolver, ManyTurnsOfAnEndlessAxisAreOnePlace) {
+  TestRandom random;
+  SCOPED_TRACE(random.Trace());
+  Kin::Machine machine;
+  MachineWish wish;
+  wish.isTrunnion = true;
+  wish.reachOfA = 200.0;
+  wish.isCEndless = true;
+  BuildMachine(random, wish, &machine);
+  std::vector<ToolPoint> points(3000);
+  double around = 0.0;
+  for (ToolPoint& point : points) {
+    const double tilt = random.Real(0.05, 3.0);
+    around += random.Real(-3.0, 3.0);
+    point.direction.Set(std::sin(tilt) * std::cos(around), std::sin(tilt) * std::sin(around),
+                        std::cos(tilt));
+  }
+  PathOptions options;
+  options.cacheBytes = std::size_t{1} << 20U;
+  const Solved solved = Solve(machine, points, options);
+  EXPECT_EQ(solved.summary.solvedNb, points.size());
+  options.choice = PathChoice::Greedy;
+  EXPECT_LE(solved.summary.cost, Solve(machine, points, options).summary.cost);
+}
+
 /// A path that winds around the pole, always tilted, and comes by it where asked.
 std::vector<ToolPoint> Spiral(int count, double turns, double tilt) {
   std::vector<ToolPoint> points;
@@ -145,11 +236,12 @@ std::vector<ToolPoint> Spiral(int count, double turns, double tilt) {
   return points;
 }
 
-Kin::Machine Trunnion() {
+Kin::Machine Trunnion(double reachOfC = 360.0) {
   TestRandom random(1);
   Kin::Machine machine;
   MachineWish wish;
   wish.isTrunnion = true;
+  wish.reachOfC = reachOfC;
   BuildMachine(random, wish, &machine);
   return machine;
 }
@@ -276,6 +368,104 @@ TEST(PathSolver, HoldsOrInterpolatesTheFreeAxis) {
     EXPECT_LE(even.points[i].residual.tip, 1e-9);
     EXPECT_TRUE(held.points[i].diagnoses.empty());
   }
+}
+
+// The axis that is held comes into its range first, by whole turns where these do.
+TEST(PathSolver, HoldsTheFreeAxisWithinItsRange) {
+  struct Case {
+    double reach;
+    double start;
+    double held;
+  };
+  for (const Case& c : {Case{360.0, 400.0, 40.0}, Case{360.0, -1000.0, -280.0},
+                        Case{100.0, 260.0, -100.0}, Case{100.0, 500.0, 100.0}}) {
+    SCOPED_TRACE(c.start);
+    Kin::Machine machine = Trunnion(c.reach);
+    std::vector<ToolPoint> points(3);
+    for (std::size_t i = 0; i < points.size(); ++i) {
+      points[i].point.Set(10.0 * static_cast<double>(i), 0.0, 0.0);
+      points[i].direction = AxisZ;
+    }
+    Kin::MachinePosition start = ZeroOf(machine);
+    start[4] = c.start;
+    for (const PathChoice choice : {PathChoice::Greedy, PathChoice::Optimal}) {
+      PathOptions options;
+      options.choice = choice;
+      const Solved solved = Solve(machine, points, options, start);
+      EXPECT_EQ(solved.summary.heldNb, points.size());
+      for (const SolvedPoint& point : solved.points) {
+        EXPECT_TRUE(point.isSolved);
+        EXPECT_NEAR(point.values[4], c.held, 1e-9);
+      }
+    }
+  }
+}
+
+// In a singular direction some value of the free axis may keep the linear axes within their ranges
+// where the one that is held doesn't.
+TEST(PathSolver, MovesTheFreeAxisWhereOtherRangesAskForIt) {
+  TestRandom random;
+  SCOPED_TRACE(random.Trace());
+  int movedNb = 0;
+  for (int i = 0; i < 300; ++i) {
+    SCOPED_TRACE(i);
+    Kin::Machine machine;
+    const Kin::EntityId bed = machine.AddEntityStatic(L"bed", -1)->GetEntityId();
+    Kin::EntityId ends[] = {bed, bed};
+    const Vector3D principal[] = {AxisX, AxisY, AxisZ};
+    const double degrees = static_cast<double>(random.Integer(-170, 170));
+    const AxisValues values = {random.Real(-200, 200), random.Real(-200, 200),
+                               random.Real(-200, 200), 0.0, degrees};
+    const double room = random.Real(0.5, 20.0);
+    for (int k = 0; k < 3; ++k) {
+      Kin::EntityId& end = ends[random.Integer(0, 1)];
+      const double value = values[static_cast<std::size_t>(k)];
+      end = AddAxis(machine.AddEntityLinear(L"linear", end, principal[k]), k, value - room,
+                    value + room);
+    }
+    const bool isOnHead = random.Chance(0.3);
+    const double first = random.Chance(0.5) ? degrees - room : -360.0;
+    const auto addA = [&](Kin::EntityId* end) {
+      *end = AddAxis(machine.AddEntityRotary(L"A", *end, Vector3D(0, 20, 0), AxisX), 3, -90, 90);
+    };
+    const auto addC = [&](Kin::EntityId* end) {
+      *end = AddAxis(machine.AddEntityRotary(L"C", *end, Vector3D(30, 0, 0), AxisZ), 4, first, 200);
+    };
+    if (isOnHead) {
+      addC(&ends[0]);
+      addA(&ends[0]);
+    } else {
+      addA(&ends[1]);
+      addC(&ends[1]);
+    }
+    machine.AddEntityHead(L"head", ends[0], Matrix43());
+    machine.AddEntityTable(L"table", ends[1], Matrix43());
+    Kin::ProgramSystem system;
+    system.SetHeadIndex(0);
+    system.SetTableIndex(0);
+    system.SetMainLinear(0, 1, 2);
+    system.SetMainRotary(3, 4);
+    machine.AddProgramSystem(system);
+    ASSERT_TRUE(machine.Finish());
+    const MainAxes axes(machine, system);
+    const std::vector<ToolPoint> points = {
+        PointAt(machine, system, Vector3D(0, 0, 50), axes, values)};
+    for (const PathChoice choice : {PathChoice::Greedy, PathChoice::Optimal}) {
+      PathOptions options;
+      options.choice = choice;
+      options.threadNb = 1;
+      const Solved solved = Solve(machine, points, options);
+      ASSERT_TRUE(solved.points[0].isSolved);
+      EXPECT_LE(solved.points[0].residual.tip, 1e-9);
+      EXPECT_LE(solved.points[0].residual.direction, 1e-12);
+      for (std::size_t k = 0; k < MainAxisNb; ++k) {
+        EXPECT_GE(solved.points[0].values[k], axes.axes[k].min - 1e-9);
+        EXPECT_LE(solved.points[0].values[k], axes.axes[k].max + 1e-9);
+      }
+      movedNb += solved.points[0].isHeld ? 0 : 1;
+    }
+  }
+  EXPECT_GT(movedNb, 100);
 }
 
 // Within a cone the direction is left for the sake of a steady axis, by no more than the cone.
@@ -486,6 +676,14 @@ TEST(PathSolver, RefusesOptionsThatCannotBe) {
   options = PathOptions();
   options.segments.tipTolerance = 0.0;
   EXPECT_THROW(make(options), std::invalid_argument);
+
+  for (const double bad : {std::nan(""), HUGE_VAL}) {
+    const Vector3D offset(0, 0, bad);
+    const Kin::ProgramSystem& system = *machine.GetProgramSystem(0);
+    EXPECT_THROW(PathSolver(machine, system, offset, ZeroOf(machine), PathOptions()),
+                 std::invalid_argument);
+    EXPECT_FALSE(PointSolver(machine, system, offset, ZeroOf(machine)).IsUsable());
+  }
 
   Kin::ProgramSystem unfit = *machine.GetProgramSystem(0);
   unfit.SetHeadIndex(3);

@@ -30,6 +30,11 @@ struct PathSolverImplementation;
 /// one. Equivalents are taken up only where a bound on the rest of the path says that they might be
 /// needed; of each axis, 1024 at most around the nearest one.
 ///
+/// In singular directions the free axis stays where it is. Where a range forbids that, it goes to
+/// the nearest value that will do, or to the middle of the widest range of such values; those
+/// between are not gone through. Interpolated stretches are chosen as if held; where the greedy
+/// path is the better one then, that is taken.
+///
 /// A source is read several times, block by block: memory is 4 bytes a point, and the cache that
 /// the options allow. Results are the same whatever the number of threads and the size of blocks.
 ///

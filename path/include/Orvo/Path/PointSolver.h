@@ -109,6 +109,10 @@ class ORVO_PATH_API PointSolver {
   int GetFreeAxis() const;
 
   /// Computes the answers for a point; none where the request is no finite point and direction.
+  ///
+  /// In a singular direction the free axis stands anywhere. Where that leaves an axis out of its
+  /// range, the answers are those with the free axis where all ranges are kept, if there are any:
+  /// nearest to where it stands at the start, and in the middle of the widest range of such values.
   Answers Solve(const ToolPoint& point);
 
   /// Computes the answer that holds the free axis and comes as near to the direction as the other

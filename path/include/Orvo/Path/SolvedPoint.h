@@ -60,8 +60,8 @@ struct SolvedPoint {
   double directionDeviation = 0.0;
 
   /// The inverse of the time of the move to this point, in 1 / minute: that of the tip's way at the
-  /// feed, or longer where an axis needs longer at its speed. 0 for a rapid move and where nothing
-  /// moves or no feed is known.
+  /// feed, or longer where an axis needs longer at its speed. 0 for the first point, for a rapid
+  /// move, and where nothing moves or no feed is known.
   double inverseTime = 0.0;
 
   /// Why there is no answer, and what to know of the one there is. Empty when all is well.
@@ -70,13 +70,13 @@ struct SolvedPoint {
 
 /// What came out for a path as a whole.
 struct PathSummary {
-  std::uint64_t pointNb = 0;               ///< of the path
-  std::uint64_t solvedNb = 0;              ///< with an answer within all ranges
-  std::uint64_t insertedNb = 0;            ///< inserted between them
-  std::uint64_t heldNb = 0;                ///< where the free axis was held or interpolated
-  std::uint64_t branchChangeNb = 0;        ///< moves to the other branch
-  std::uint64_t unwindingNb = 0;           ///< moves by more than half a turn
-  double cost = 0.0;                       ///< the sum over all moves between points of the path
+  std::uint64_t pointNb = 0;         ///< of the path
+  std::uint64_t solvedNb = 0;        ///< with an answer within all ranges
+  std::uint64_t insertedNb = 0;      ///< inserted between them
+  std::uint64_t heldNb = 0;          ///< where the free axis was held or interpolated
+  std::uint64_t branchChangeNb = 0;  ///< moves to the other branch
+  std::uint64_t unwindingNb = 0;     ///< moves by more than half a turn
+  double cost = 0.0;  ///< the sum over all moves, that from the start included unless it is free
   AxisValues travel = {};                  ///< by place: the sum of the moves between solved points
   AxisValues smallest = {};                ///< by place, of solved points
   AxisValues largest = {};                 ///< by place, of solved points
@@ -88,8 +88,9 @@ struct PathSummary {
   /// How many points have a diagnosis, by its code.
   std::map<DiagnosisCode, std::uint64_t> diagnosisNb;
 
-  /// Whether linear ranges alone keep points from having an answer, and moving the workpiece would
-  /// bring all of them in.
+  /// Whether linear ranges alone keep points from having an answer, and moving the workpiece brings
+  /// all of them in with the rotary values that were chosen: those of the answer that is out by the
+  /// least where there is none in range. Other rotary values may allow a shift where there is none.
   bool hasShift = false;
 
   /// The shortest such shift, in the table's frame; to be added to each point.
