@@ -24,7 +24,7 @@ constexpr std::array<std::string_view, 12> DrivenWords = {"GOFWD", "GOBACK", "GO
 constexpr std::array<std::string_view, 4> IdleWords = {"CUTTER", "LOADTL", "PARTNO", "PPRINT"};
 
 template <std::size_t N>
-bool Holds(const std::array<std::string_view, N>& words, const std::string& word) {
+bool Holds(const std::array<std::string_view, N>& words, std::string_view word) {
   return std::find(words.begin(), words.end(), word) != words.end();
 }
 
@@ -62,12 +62,16 @@ struct AptImplementation : TextReaderImplementation {
   void TakeFeed(const AptStatement& statement);
   void TakeUnits(const AptStatement& statement);
   void TakeMultax(const AptStatement& statement);
+  void RefuseMove(const AptToken& token, std::string_view word) const;
   void TakeOther(const AptStatement& statement);
 
   AptState state_;
 };
 
 double AptImplementation::NumberOf(const AptToken& token) const {
+  if (token.hasGap) {
+    Blame(token, "a blank within " + Quote(token.text) + "; expected a number, or a comma");
+  }
   double value = 0.0;
   const char* const fault = ReadNumber(token.text, &value);
   if (fault != nullptr) {
@@ -164,17 +168,33 @@ void AptImplementation::TakeMultax(const AptStatement& statement) {
   }
 }
 
-void AptImplementation::TakeOther(const AptStatement& statement) {
-  const std::string& word = statement.word.text;
+// A word as it moves the tool, alone or behind others and a comma: none of those may be lost.
+void AptImplementation::RefuseMove(const AptToken& token, std::string_view word) const {
   if (Holds(CurveWords, word)) {
-    Blame(statement.word,
-          Quote(word) + (word == "GODLTA" ? " is an incremental move" : " is an arc or curve") +
-              "; expected straight moves: post the path with points (GOTO) only");
+    Blame(token, Quote(word) +
+                     (word == "GODLTA" ? " is an incremental move" : " is an arc or curve") +
+                     "; expected straight moves: post the path with points (GOTO) only");
   }
   if (Holds(DrivenWords, word)) {
-    Blame(statement.word, Quote(word) +
-                              " moves along geometry, which this reader doesn't compute; expected "
-                              "the cutter locations (GOTO) that it makes");
+    Blame(token, Quote(word) +
+                     " moves along geometry, which this reader doesn't compute; expected the "
+                     "cutter locations (GOTO) that it makes");
+  }
+  for (const std::string_view point : {"GOTO", "FROM"}) {
+    if (word.starts_with(point) &&
+        word.substr(point.size()).find_first_not_of("0123456789+-.") == std::string_view::npos) {
+      Blame(token, Quote(token.text) + " is no statement; expected " + std::string(point) +
+                       "/ and 3 or 6 numbers");
+    }
+  }
+}
+
+void AptImplementation::TakeOther(const AptStatement& statement) {
+  const std::string& word = statement.word.text;
+  for (std::string_view rest = word; !rest.empty();) {
+    const std::size_t comma = std::min(rest.find(','), rest.size());
+    RefuseMove(statement.word, rest.substr(0, comma));
+    rest.remove_prefix(std::min(comma + 1, rest.size()));
   }
   for (const AptToken& token : statement.parameters) {
     if (token.text.find("(CIRCLE") != std::string::npos) {
@@ -185,7 +205,10 @@ void AptImplementation::TakeOther(const AptStatement& statement) {
     NoteToken(statement.word, Quote(word) + " isn't understood");
   } else if (word == "CUTTER") {
     for (const AptToken& token : statement.parameters) {
-      NumberOf(token);
+      double value = 0.0;
+      if (ReadNumber(token.text, &value) != nullptr) {
+        NoteToken(token, "CUTTER: " + Quote(token.text) + " isn't understood");
+      }
     }
   }
 }

@@ -17,6 +17,11 @@ bool IsLetter(char c) {
   return c >= 'A' && c <= 'Z';
 }
 
+bool IsComment(std::string_view line) {
+  line = Trim(line);
+  return line.substr(0, 2) == "$$";
+}
+
 /// Cuts a line at its comment and at its continuation mark; tells whether the statement goes on.
 bool CutLine(std::string_view* line) {
   const std::size_t mark = line->find('$');
@@ -35,9 +40,11 @@ class Collector {
       : lines_(lines), statement_(statement) {}
 
   void Add(std::string_view line) {
+    isGap_ = true;
     for (std::size_t i = 0; i < line.size(); ++i) {
       const char c = line[i];
       if (c == ' ' || c == '\t') {
+        isGap_ = true;
         continue;
       }
       if (c == '/' && !statement_->hasSlash) {
@@ -47,9 +54,14 @@ class Collector {
       } else if (c == ',' && statement_->hasSlash) {
         EndParameter(i);
         StartToken();
+      } else if (c == ')' && !statement_->hasSlash && !token_.text.empty() &&
+                 token_.text.find('(') == std::string::npos) {
+        // What came so far is the statement's label.
+        StartToken();
       } else {
         Append(c, i);
       }
+      isGap_ = false;
     }
     last_ = lines_.GetColumn(line.size());
     lastLine_ = lines_.GetNumber();
@@ -77,6 +89,8 @@ class Collector {
     if (token_.text.empty()) {
       token_.line = lines_.GetNumber();
       token_.column = lines_.GetColumn(offset);
+    } else if (isGap_ && token_.text.back() != '+' && token_.text.back() != '-') {
+      token_.hasGap = true;
     }
     token_.text += Upper(c);
     ++size_;
@@ -101,6 +115,7 @@ class Collector {
   const TextLines& lines_;
   AptStatement* statement_;
   AptToken token_;
+  bool isGap_ = false;  ///< what comes next does not follow what came last
   std::size_t size_ = 0;
   std::uint64_t lastLine_ = 0;
   std::uint64_t last_ = 1;
@@ -130,6 +145,9 @@ bool ReadAptStatement(TextLines* lines, AptStatement* statement) {
     collector.Add(line);
     while (goesOn && lines->Next()) {
       line = lines->GetLine();
+      if (IsComment(line)) {
+        continue;
+      }
       goesOn = CutLine(&line);
       collector.Add(line);
       if (collector.Size() > MaxStatementBytes) {

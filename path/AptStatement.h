@@ -12,12 +12,14 @@ namespace Orvo::Path {
 
 /// A piece of text and where it stands.
 struct AptToken {
-  std::string text;  ///< in upper case
+  std::string text;  ///< in upper case, without blanks
   std::uint64_t line = 0;
   std::uint64_t column = 0;
+  bool hasGap = false;  ///< blanks, or the end of a line, stood within it; not behind a sign
 };
 
-/// One statement of APT source: its major word, and behind the slash what commas separate.
+/// One statement of APT source: its major word without a label, and behind the slash what commas
+/// separate.
 struct AptStatement {
   AptToken word;
   bool hasSlash = false;

@@ -48,7 +48,11 @@ TextLines::TextLines(const std::filesystem::path& file) : TextLines(Open(file), 
 }
 
 TextLines::TextLines(std::unique_ptr<std::istream> stream, std::string name)
-    : name_(std::move(name)), stream_(std::move(stream)), chunk_(ChunkBytes) {}
+    : name_(std::move(name)), stream_(std::move(stream)), chunk_(ChunkBytes) {
+  // A stream that can't tell, as a pipe, can't return either.
+  begin_ = std::max<std::streamoff>(0, stream_->tellg());
+  stream_->clear();
+}
 
 bool TextLines::Fill() {
   errno = 0;
@@ -106,7 +110,7 @@ bool TextLines::Next() {
 
 void TextLines::Return(const Place& place) {
   stream_->clear();
-  stream_->seekg(static_cast<std::streamoff>(place.offset), std::ios::beg);
+  stream_->seekg(begin_ + static_cast<std::streamoff>(place.offset), std::ios::beg);
   if (!*stream_) {
     throw ReadError(name_, 0, 0, "can't be read a second time; expected a file");
   }

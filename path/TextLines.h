@@ -54,6 +54,7 @@ class TextLines {
 
   std::string name_;
   std::unique_ptr<std::istream> stream_;
+  std::streamoff begin_ = 0;  ///< where the text begins in the stream
   std::vector<char> chunk_;
   std::size_t chunkBegin_ = 0;
   std::size_t chunkEnd_ = 0;

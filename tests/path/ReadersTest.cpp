@@ -121,6 +121,16 @@ TEST(Readers, FaultsNamePlaceAndWhatWasExpected) {
        "cutter locations (GOTO) that it makes"},
       {Kind::Apt, "MULTAX/OFF\nGOTO/1,2,3,0,0,1",
        "in:2:12: a direction behind MULTAX/OFF; expected 3 numbers"},
+      {Kind::Apt, "GOTO/0,0,0\n tlon,GoFwd/L1,PAST,L2",
+       "in:2:2: 'TLON' moves along geometry, which this reader doesn't compute; expected the "
+       "cutter locations (GOTO) that it makes"},
+      {Kind::Apt, "GOTO 1,2,3",
+       "in:1:1: 'GOTO1,2,3' is no statement; expected GOTO/ and 3 or 6 numbers"},
+      {Kind::Apt, "L1) FROM 1,2,3",
+       "in:1:5: 'FROM1,2,3' is no statement; expected FROM/ and 3 or 6 numbers"},
+      {Kind::Apt, "GOTO/1,2,3$\n4,0,0,1",
+       "in:1:10: a blank within '34'; expected a number, or a comma"},
+      {Kind::Apt, "GOTO/1 0,2,3", "in:1:6: a blank within '10'; expected a number, or a comma"},
       {Kind::Apt, "UNITS/FEET", "in:1:7: the unit isn't known; expected UNITS/MM or UNITS/INCHES"},
       {Kind::Apt, "FEDRAT/MMPM", "in:1:1: FEDRAT without a number; expected FEDRAT/ and the feed"},
       {Kind::Apt, "/1", "in:1:1: a slash without a word; expected a word such as GOTO"},
@@ -148,6 +158,17 @@ TEST(AptReader, NotesWhatItPassesOver) {
   EXPECT_EQ(reader->GetNotes()[0].text, "'SPINDL' isn't understood");
   EXPECT_EQ(reader->GetNotes()[1].line, 4U);
   EXPECT_EQ(reader->GetNotes()[1].column, 3U);
+}
+
+// Labels, comments within a statement, and blanks beside its signs change nothing.
+TEST(AptReader, ReadsOnOverWhatSaysNothing) {
+  const std::vector<ToolPoint> points =
+      Points(Kind::Apt, "L1) GOTO / 1 , - 2,$ $$ comment\n  $$ another\n$$\n3, 0,$\n 0 , 1\n");
+  ASSERT_EQ(points.size(), 1U);
+  ExpectPoint(points[0], Vector3D(1, -2, 3), AxisZ);
+  const std::unique_ptr<TextReader> cutter = Open(Kind::Apt, "CUTTER/OPTION,1,,2\nGOTO/1,2,3");
+  EXPECT_EQ(ToolPath::ReadAll(*cutter).GetPointNb(), 1U);
+  EXPECT_EQ(cutter->GetNoteNb(), 2U);
 }
 
 // Inches become millimeters, feeds per inch too.
@@ -192,6 +213,15 @@ TEST(Readers, ReturnToAMarkedPlace) {
     EXPECT_EQ(second[i].line, first[i].line);
   }
   ExpectPoint(second[0], Vector3D(1, 0, 0), AxisX);
+
+  auto stream = std::make_unique<std::istringstream>("of another\nx,y,z,i,j,k\n1,2,3,0,0,1\n");
+  std::string line;
+  std::getline(*stream, line);
+  CsvReader rest(std::move(stream), "in");
+  for (int round = 0; round < 2; ++round) {
+    EXPECT_EQ(ToolPath::ReadAll(rest).GetPointNb(), 1U);
+    rest.Return(nullptr);
+  }
 
   const std::unique_ptr<TextReader> csv = Open(Kind::Csv, "x,y,z,i,j,k\n1,2,3,0,0,1\n");
   EXPECT_EQ(ToolPath::ReadAll(*csv).GetPointNb(), 1U);

@@ -41,7 +41,7 @@ class ORVO_PATH_API ReadError : public std::runtime_error {
   std::string message_;
 };
 
-/// Something in a file that was passed over and has no effect on the points.
+/// Something in a file that was passed over.
 struct ReadNote {
   std::uint64_t line = 0;    ///< from 1
   std::uint64_t column = 0;  ///< in characters, from 1

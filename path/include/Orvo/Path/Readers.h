@@ -30,7 +30,8 @@ class ORVO_PATH_API TextReader : public PointSource {
   std::shared_ptr<const SourcePlace> Mark() override;
   void Return(const std::shared_ptr<const SourcePlace>& place) override;
 
-  /// Returns what was passed over so far, in the order of the file; the first 1000 of it.
+  /// Returns what of APT source was passed over so far, in the order of the file; the first 1000 of
+  /// it. Columns and members that other files have beyond those of a path are not noted.
   const std::vector<ReadNote>& GetNotes() const;
 
   /// Returns how much was passed over so far, beyond the 1000 that are kept.
@@ -82,15 +83,16 @@ class ORVO_PATH_API JsonLinesReader : public TextReader {
 /// Reads a path from APT source or the text form of a CL file.
 ///
 /// Understood are GOTO and FROM (three numbers, or six with the direction), MULTAX with ON or OFF,
-/// FEDRAT, RAPID (for the next move), UNITS with MM or INCHES, CUTTER, LOADTL, PARTNO, PPRINT, the
-/// comment `$$`, the continuation `$`, and FINI, behind which nothing is read. Words are taken in
-/// either case. A point without a direction keeps the one before it, (0, 0, 1) at the start and
-/// behind MULTAX/OFF. FROM gives a point, marked as rapid. Behind UNITS/INCHES lengths are
-/// multiplied by 25.4, so that points come out in millimeters; feeds come out per minute, and a
-/// feed per revolution counts as none.
+/// FEDRAT, RAPID (for the next move, unless FEDRAT comes before it), UNITS with MM or INCHES,
+/// CUTTER, LOADTL, PARTNO, PPRINT, the comment `$$`, the continuation `$`, and FINI, behind which
+/// nothing is read. Words are taken in either case. A point without a direction keeps the one
+/// before it, (0, 0, 1) at the start and behind MULTAX/OFF. FROM gives a point, marked as rapid.
+/// Behind UNITS/INCHES lengths are multiplied by 25.4, so that points come out in millimeters;
+/// feeds come out per minute, and a feed per revolution counts as none.
 ///
-/// Any other word is noted, see GetNotes(). Arcs, curves and incremental moves would change the
-/// path and are refused.
+/// Labels are passed over. Any other word is noted, see GetNotes(), and so are words that would
+/// repeat or transform points, as COPY and TRACUT. Arcs, curves, moves along geometry and
+/// incremental moves are refused; so are blanks within a number, which mostly are a missing comma.
 class ORVO_PATH_API AptReader : public TextReader {
  public:
   /// Opens a file.
