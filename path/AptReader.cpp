@@ -57,6 +57,7 @@ struct AptImplementation : TextReaderImplementation {
   void NoteToken(const AptToken& token, const std::string& text) {
     Note(token.line, token.column, text);
   }
+  void NoteRest(const AptStatement& statement, std::size_t first);
   double NumberOf(const AptToken& token) const;
   void TakePoint(const AptStatement& statement, ToolPoint* point);
   void TakeFeed(const AptStatement& statement);
@@ -67,6 +68,15 @@ struct AptImplementation : TextReaderImplementation {
 
   AptState state_;
 };
+
+// Parameters beyond those that a word has.
+void AptImplementation::NoteRest(const AptStatement& statement, std::size_t first) {
+  for (std::size_t i = first; i < statement.parameters.size(); ++i) {
+    NoteToken(
+        statement.parameters[i],
+        statement.word.text + ": " + Quote(statement.parameters[i].text) + " isn't understood");
+  }
+}
 
 double AptImplementation::NumberOf(const AptToken& token) const {
   if (token.hasGap) {
@@ -113,18 +123,25 @@ void AptImplementation::TakePoint(const AptStatement& statement, ToolPoint* poin
 }
 
 void AptImplementation::TakeFeed(const AptStatement& statement) {
+  const auto isPerTurn = [](const AptToken& token) {
+    return token.text == "MMPR" || token.text == "IPR" || token.text == "PERREV";
+  };
+  const bool isPerMinute =
+      std::none_of(statement.parameters.begin(), statement.parameters.end(), isPerTurn);
+  if (!isPerMinute) {
+    NoteToken(statement.word, "a feed per revolution counts as none");
+  }
   bool hasNumber = false;
   double feed = 0.0;
   double scale = state_.scale;
-  bool isPerMinute = true;
   for (const AptToken& token : statement.parameters) {
     double value = 0.0;
     if (token.text == "MMPM" || token.text == "PERMIN") {
       scale = token.text == "MMPM" ? 1.0 : scale;
     } else if (token.text == "IPM") {
       scale = MillimetersPerInch;
-    } else if (token.text == "MMPR" || token.text == "IPR" || token.text == "PERREV") {
-      isPerMinute = false;
+    } else if (isPerTurn(token)) {
+      continue;
     } else if (!hasNumber && ReadNumber(token.text, &value) == nullptr) {
       hasNumber = true;
       feed = value;
@@ -137,9 +154,6 @@ void AptImplementation::TakeFeed(const AptStatement& statement) {
   }
   if (!hasNumber) {
     Blame(statement.word, "FEDRAT without a number; expected FEDRAT/ and the feed");
-  }
-  if (!isPerMinute) {
-    NoteToken(statement.word, "a feed per revolution counts as none");
   }
   state_.feed = isPerMinute ? feed * scale : 0.0;
   state_.isRapid = false;
@@ -155,6 +169,7 @@ void AptImplementation::TakeUnits(const AptStatement& statement) {
   } else {
     Blame(token, "the unit isn't known; expected UNITS/MM or UNITS/INCHES");
   }
+  NoteRest(statement, 1);
 }
 
 void AptImplementation::TakeMultax(const AptStatement& statement) {
@@ -162,6 +177,7 @@ void AptImplementation::TakeMultax(const AptStatement& statement) {
   if (!isOff && !statement.parameters.empty() && statement.parameters.front().text != "ON") {
     Blame(statement.parameters.front(), "expected MULTAX, MULTAX/ON or MULTAX/OFF");
   }
+  NoteRest(statement, 1);
   state_.isSingleAxis = isOff;
   if (isOff) {
     state_.direction = {0.0, 0.0, 1.0};
@@ -224,6 +240,7 @@ bool AptImplementation::Next(ToolPoint* point) {
     if (word == "FEDRAT") {
       TakeFeed(statement);
     } else if (word == "RAPID") {
+      NoteRest(statement, 0);
       state_.isRapid = true;
     } else if (word == "UNITS") {
       TakeUnits(statement);

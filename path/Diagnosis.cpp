@@ -89,7 +89,7 @@ std::string Sentence(const Diagnosis& d) {
                          d.Get("turn"));
     case DiagnosisCode::HeldAxis:
       return fmt::format(
-          "{} stands free here and was kept steady; the direction deviates by {:.4g} "
+          "{} stands free here and does not turn for the direction, which deviates by {:.4g} "
           "degrees",
           Names(d), d.Get("deviation"));
     case DiagnosisCode::SegmentDeviation:

@@ -41,7 +41,7 @@ void PathOutput::FindStretch(std::uint64_t begin) {
   const auto freeAxis = static_cast<std::size_t>(solvers_[0].GetFreeAxis());
   stretch_.fromDeg = state_.values[freeAxis];
   stretch_.toDeg = stretch_.fromDeg;
-  if ((begin == 0 && options_.isStartFree) || stretch_.end == steps_.size()) {
+  if ((options_.isStartFree && begin <= firstSolved_) || stretch_.end == steps_.size()) {
     return;
   }
   const PathStep exit = PathStep::Unpack(steps_[stretch_.end]);
@@ -129,7 +129,8 @@ void PathOutput::Choose(const PathBlock& block, std::vector<SolvedPoint>* points
     }
     point.isSolved = true;
     point.branch = state_.branch;
-    const bool isFree = options_.isStartFree && point.index == 0;
+    firstSolved_ = std::min(firstSolved_, point.index);
+    const bool isFree = options_.isStartFree && point.index == firstSolved_;
     point.cost = isFree ? 0.0 : CostOfMove(options_.measure, before, point.values, point.branch);
     point.isBranchChange = !isFree && before.branch * point.branch < 0;
     point.isUnwinding = !isFree && IsUnwinding(before.values, point.values);
@@ -199,7 +200,7 @@ void PathOutput::FinishPoint(PointSolver& solver, const Answers& answers, const 
     if (point->isHeld && point->deviation > NoDeviation) {
       point->diagnoses.push_back(FindHeldAxis(solver, point->deviation));
     }
-    if (point->index > 0) {
+    if (point->index != firstSolved_) {
       FinishMove(solver, answers, before, point, inserted);
     } else {
       AddJumpFindings(axes_, MoveStart(before), point);
@@ -260,6 +261,7 @@ void PathOutput::Add(const SolvedPoint& point, PathSummary* summary) const {
 void PathOutput::Write(const PathState& start, const PathSolver::Sink& sink, PathSummary* summary) {
   state_ = start;
   hasLast_ = false;
+  firstSolved_ = NoPoint;
   last_ = SolvedPoint();
   last_.values = start.values;
   AxisValues before = start.values;
@@ -278,7 +280,7 @@ void PathOutput::Write(const PathState& start, const PathSolver::Sink& sink, Pat
         Add(point, summary);
         isWanted = isWanted && sink(point);
       }
-      for (std::size_t k = 0; k < MainAxisNb && points[i].index > 0; ++k) {
+      for (std::size_t k = 0; k < MainAxisNb && points[i].index > firstSolved_; ++k) {
         summary->travel[k] += std::abs(points[i].values[k] - before[k]);
       }
       before = points[i].values;
@@ -304,6 +306,7 @@ void PathOutput::FindShift(const PathState& start, PathSummary* summary) {
   WorkpieceShift shift;
   state_ = start;
   hasLast_ = false;
+  firstSolved_ = NoPoint;
   std::vector<SolvedPoint> points;
   PointSolver& solver = blocks_.GetSolver();
   for (std::size_t b = 0;; ++b) {

@@ -25,6 +25,8 @@ class PathOutput {
   void Write(const PathState& start, const PathSolver::Sink& sink, PathSummary* summary);
 
  private:
+  static constexpr std::uint64_t NoPoint = ~std::uint64_t{0};
+
   /// A singular stretch that is interpolated: from the point begin to the one before end.
   struct Stretch {
     std::uint64_t begin = 0;
@@ -58,6 +60,7 @@ class PathOutput {
   SolvedPoint last_;     ///< the last point of the block before
   SolvedPoint lastOut_;  ///< the one before the current, as it came out
   bool hasLast_ = false;
+  std::uint64_t firstSolved_ = NoPoint;  ///< the first point with an answer
   Stretch stretch_;
   std::vector<std::vector<SolvedPoint>> inserted_;  ///< by point of the block
 };

@@ -38,6 +38,7 @@ struct BlockLog {
 struct BlockStart {
   std::vector<PathState> states;
   std::vector<PathState> relaxed;
+  bool isApproach = false;  ///< whether no point before it has an answer
   BlockLog log;
 };
 
@@ -55,6 +56,7 @@ class Sweep {
 
   /// Goes forth; returns the cost of the best path.
   double Forth(const PathState& start) {
+    isApproach_ = true;
     lattice_.Start({start});
     relaxed_.Start({start});
     std::size_t logBytes = 0;
@@ -64,7 +66,7 @@ class Sweep {
       if (block == nullptr) {
         break;
       }
-      starts_.push_back({lattice_.GetStates(), relaxed_.GetStates(), {}});
+      starts_.push_back({lattice_.GetStates(), relaxed_.GetStates(), isApproach_, {}});
       Pass(*block, &starts_.back().log);
       pointNb_ += block->points.size();
       logBytes += starts_.back().log.GetBytes();
@@ -89,6 +91,7 @@ class Sweep {
       if (log.IsEmpty()) {
         lattice_.Start(starts_[b].states);
         relaxed_.Start(starts_[b].relaxed);
+        isApproach_ = starts_[b].isApproach;
         Pass(*blocks_.Get(b), &log);
       }
       for (std::size_t i = log.firstOf.size(); i-- > 0;) {
@@ -106,12 +109,13 @@ class Sweep {
     for (std::size_t i = 0; i < block.points.size(); ++i) {
       const Answers& answers = block.answers[i];
       const bool isHeld = blocks_.IsHeld(answers);
-      const bool isApproach = options_.isStartFree && block.first + i == 0;
+      const bool isApproach = options_.isStartFree && isApproach_;
       relaxed_.Step(blocks_.GetSolver(), block.points[i], answers, isHeld, isApproach, nullptr,
                     0.0);
       lattice_.Step(blocks_.GetSolver(), block.points[i], answers, isHeld, isApproach,
                     mode_ == Mode::Complete ? &relaxed_ : nullptr, excess_);
       log->Add(lattice_.GetStates());
+      isApproach_ = isApproach_ && lattice_.IsUnmoved();
     }
   }
 
@@ -121,6 +125,7 @@ class Sweep {
   double excess_;
   TurnLattice lattice_;
   TurnLattice relaxed_;
+  bool isApproach_ = true;  ///< whether no point so far has an answer
   std::vector<BlockStart> starts_;
   std::size_t pointNb_ = 0;
 };

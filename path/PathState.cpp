@@ -75,6 +75,9 @@ bool HoldState(PointSolver& solver, const ToolPoint& point, const PathState& fro
   if (!bringIn(held, 0.0, &heldDeg)) {
     const MainAxis& axis = solver.GetAxes().axes[held];
     heldDeg = std::fmin(std::fmax(heldDeg, axis.min), axis.max);
+    if (ExcessOf(axis, heldDeg) != 0.0) {
+      return false;
+    }
   }
   Answer answer;
   if (!solver.SolveHeld(point, heldDeg, &answer) || !answer.isLinearInRange ||

@@ -1,6 +1,7 @@
 #include "path/SegmentMotion.h"
 
 #include "path/PathState.h"
+#include "path/PointSolverImplementation.h"
 #include "path/Turns.h"
 #include "path/Vec3.h"
 
@@ -238,7 +239,13 @@ bool SolveMiddle(PointSolver& solver, const PathOptions& options, const MoveStar
   Vector3D tip = from.target.point;
   tip += to.target.point;
   tip *= 0.5;
-  const Vec3 sum = Unit(FromVector(from.target.direction)) + Unit(FromVector(to.target.direction));
+  Vec3 ends[2];
+  Vec3 directions[2];
+  if (!TakeRequest(from.target, &ends[0], &directions[0]) ||
+      !TakeRequest(to.target, &ends[1], &directions[1])) {
+    return false;
+  }
+  const Vec3 sum = directions[0] + directions[1];
   if (!(Norm(sum) > 1e-6)) {
     return false;
   }

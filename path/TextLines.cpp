@@ -49,6 +49,7 @@ TextLines::TextLines(const std::filesystem::path& file) : TextLines(Open(file), 
 
 TextLines::TextLines(std::unique_ptr<std::istream> stream, std::string name)
     : name_(std::move(name)), stream_(std::move(stream)), chunk_(ChunkBytes) {
+  stream_->exceptions(std::ios_base::goodbit);
   // A stream that can't tell, as a pipe, can't return either.
   begin_ = std::max<std::streamoff>(0, stream_->tellg());
   stream_->clear();

@@ -43,6 +43,8 @@ TurnLattice::TurnLattice(const MainAxes& axes, const PathMeasure& measure, Mode 
   }
 }
 
+bool TurnLattice::IsUnmoved() const { return KindOf(states_.front()) == PathStep::None; }
+
 std::size_t TurnLattice::FindBest() const {
   std::size_t best = 0;
   for (std::size_t i = 1; i < states_.size(); ++i) {

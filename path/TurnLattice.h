@@ -43,6 +43,9 @@ class TurnLattice {
   void Step(PointSolver& solver, const ToolPoint& point, const Answers& answers, bool isHeld,
             bool isApproach, const TurnLattice* relaxed, double excess);
 
+  /// Tells whether the last point had no answer, so that all states stay.
+  bool IsUnmoved() const;
+
   /// Returns the place of the cheapest state.
   std::size_t FindBest() const;
   double GetBestCost() const { return states_[FindBest()].cost; }

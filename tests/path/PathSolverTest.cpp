@@ -532,7 +532,55 @@ TEST(PathSolver, GoesOnBehindAPointOutOfReach) {
     ASSERT_EQ(solved.points[4].diagnoses.size(), 1U);
     EXPECT_EQ(solved.points[4].diagnoses[0].GetCode(), DiagnosisCode::RotaryRange);
     EXPECT_TRUE(solved.points[5].isSolved);
+    EXPECT_GT(solved.points[5].inverseTime, 0.0);
     EXPECT_FALSE(solved.summary.hasShift);
+  }
+}
+
+// The move that goes on behind it is one like the others: what it does is said.
+TEST(PathSolver, SaysWhatTheMoveBehindAPointOutOfReachDoes) {
+  Kin::Machine machine = Trunnion(181.0);
+  std::vector<ToolPoint> points = Spiral(3, 0.4, 0.3);
+  points[1].direction.Set(0, 1, -1);
+  PathOptions options;
+  options.measure.weights = {0.0, 0.0, 0.0, 1.0, 1.0};
+  options.measure.branchChangeCost = 1e6;
+  Kin::MachinePosition start = ZeroOf(machine);
+  std::uint64_t unwindingNb = 0;
+  for (const double from : {-181.0, 181.0}) {
+    start[4] = from;
+    const Solved solved = Solve(machine, points, options, start);
+    ASSERT_EQ(solved.summary.solvedNb, 2U);
+    const double turn = solved.points[2].values[4] - solved.points[0].values[4];
+    EXPECT_EQ(solved.points[2].isUnwinding, std::abs(turn) > 180.0);
+    EXPECT_EQ(solved.summary.diagnosisNb.count(DiagnosisCode::Unwinding),
+              solved.summary.unwindingNb);
+    unwindingNb += solved.summary.unwindingNb;
+    const double length = points[0].point.Distance(points[2].point);
+    EXPECT_NEAR(solved.points[2].inverseTime,
+                1.0 / std::max(length / 1000.0, std::abs(turn) / options.measure.speeds[4]), 1e-9);
+  }
+  EXPECT_GE(unwindingNb, 1U);
+}
+
+// A free start is free up to the first point that has an answer.
+TEST(PathSolver, FreeStartLastsUntilThereIsAnAnswer) {
+  Kin::Machine machine = Trunnion();
+  std::vector<ToolPoint> points = Spiral(9, 0.1, 0.3);
+  points[0].direction.Set(0, 1, -1);
+  Kin::MachinePosition start = ZeroOf(machine);
+  start[4] = -300.0;
+  for (const PathChoice choice : {PathChoice::Greedy, PathChoice::Optimal}) {
+    PathOptions options;
+    options.choice = choice;
+    options.isStartFree = true;
+    const Solved solved = Solve(machine, points, options, start);
+    ASSERT_EQ(solved.summary.solvedNb, 8U);
+    EXPECT_EQ(solved.points[1].cost, 0.0);
+    EXPECT_GT(solved.points[2].cost, 0.0);
+    EXPECT_NEAR(solved.summary.travel[4], 31.5, 1e-9);
+    options.isStartFree = false;
+    EXPECT_GT(Solve(machine, points, options, start).points[1].cost, 0.0);
   }
 }
 
@@ -621,6 +669,16 @@ TEST(PathSolver, RefinesBetweenThePoints) {
     }
   }
   EXPECT_GT(largest, 0.1 * options.segments.tipTolerance);
+  for (const double length : {1e200, 1e-200}) {
+    std::vector<ToolPoint> scaled = points;
+    for (ToolPoint& point : scaled) {
+      point.direction *= length;
+    }
+    const Solved same = Solve(machine, scaled, options);
+    EXPECT_EQ(same.summary.insertedNb, fine.summary.insertedNb);
+    EXPECT_LE(same.summary.largestResidual.direction, 1e-12);
+    EXPECT_LE(same.summary.largestTipDeviation, options.segments.tipTolerance);
+  }
 }
 
 // The inverse time follows from feed and way, or from the slowest axis.

@@ -169,6 +169,12 @@ TEST(AptReader, ReadsOnOverWhatSaysNothing) {
   const std::unique_ptr<TextReader> cutter = Open(Kind::Apt, "CUTTER/OPTION,1,,2\nGOTO/1,2,3");
   EXPECT_EQ(ToolPath::ReadAll(*cutter).GetPointNb(), 1U);
   EXPECT_EQ(cutter->GetNoteNb(), 2U);
+  const std::unique_ptr<TextReader> rest =
+      Open(Kind::Apt, "FEDRAT/10,FOO,MMPR\nMULTAX/ON,5\nUNITS/MM,BLAH\nRAPID/7\nGOTO/1,2,3");
+  EXPECT_EQ(ToolPath::ReadAll(*rest).GetPointNb(), 1U);
+  ASSERT_EQ(rest->GetNoteNb(), 5U);
+  EXPECT_EQ(rest->GetNotes()[0].text, "a feed per revolution counts as none");
+  EXPECT_EQ(rest->GetNotes()[4].text, "RAPID: '7' isn't understood");
 }
 
 // Inches become millimeters, feeds per inch too.

@@ -39,7 +39,7 @@ struct PathMeasure {
   double branchChangeCost = 0.0;
 
   /// The cost of a move that turns a rotary axis by more than half a turn. A very large one forbids
-  /// such moves as far as the ranges let it.
+  /// such moves as far as the ranges let it. This cost and the one above count as 1e9 at most.
   double unwindingCost = 0.0;
 };
 
@@ -84,8 +84,9 @@ struct PathOptions {
   /// ... that turns the free axis by more than this, in degrees, is reported as near singular.
   double nearSingularTurnDeg = 45.0;
 
-  /// Whether the way from the start position to the first point costs nothing. Up to 64 equivalents
-  /// of each rotary axis are then tried there.
+  /// Whether the way from the start position to the first point that has an answer costs nothing.
+  /// Up to 64 equivalents of each rotary axis are then tried there. In a singular direction the
+  /// free axis is held all the same.
   bool isStartFree = false;
 
   /// Whether each point is put through forward kinematics.

@@ -60,8 +60,8 @@ struct SolvedPoint {
   double directionDeviation = 0.0;
 
   /// The inverse of the time of the move to this point, in 1 / minute: that of the tip's way at the
-  /// feed, or longer where an axis needs longer at its speed. 0 for the first point, for a rapid
-  /// move, and where nothing moves or no feed is known.
+  /// feed, or longer where an axis needs longer at its speed. 0 for the first point that has an
+  /// answer, for a rapid move, and where nothing moves or no feed is known.
   double inverseTime = 0.0;
 
   /// Why there is no answer, and what to know of the one there is. Empty when all is well.
