@@ -227,10 +227,12 @@ void PathOutput::Add(const SolvedPoint& point, PathSummary* summary) const {
   summary->largestTipDeviation = std::max(summary->largestTipDeviation, point.tipDeviation);
   summary->largestDirectionDeviation =
       std::max(summary->largestDirectionDeviation, point.directionDeviation);
-  if (point.isSolved && !point.isHeld) {
+  if (point.isSolved) {
     summary->largestResidual.tip = std::max(summary->largestResidual.tip, point.residual.tip);
-    summary->largestResidual.direction =
-        std::max(summary->largestResidual.direction, point.residual.direction);
+    if (!(point.deviation > NoDeviation)) {
+      summary->largestResidual.direction =
+          std::max(summary->largestResidual.direction, point.residual.direction);
+    }
   }
   if (point.isInserted) {
     ++summary->insertedNb;

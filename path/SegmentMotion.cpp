@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace Orvo::Path {
 namespace {
@@ -271,6 +272,42 @@ bool SolveMiddle(PointSolver& solver, const PathOptions& options, const MoveStar
   return true;
 }
 
+/// Where a move leaves a singular direction, or comes to one, the free axis must turn at that very
+/// point: between the points its value hardly changes. Computes the point where it has turned, or
+/// is about to; false where there is none.
+bool SolveTurned(PointSolver& solver, const PathOptions& options, const MoveStart& from,
+                 const SolvedPoint& to, SolvedPoint* turned) {
+  const int place = solver.GetFreeAxis();
+  if (place < 0) {
+    return false;
+  }
+  const auto freeAxis = static_cast<std::size_t>(place);
+  const double cone = std::max(RadFromDeg(options.singularConeDeg), 1e-12);
+  const bool leaves = solver.Solve(from.target).singularAngle <= cone;
+  const bool comes = solver.Solve(to.target).singularAngle <= cone;
+  if (leaves == comes || !(std::abs(to.values[freeAxis] - from.values[freeAxis]) > NoTurnDeg)) {
+    return false;
+  }
+  *turned = SolvedPoint();
+  turned->index = to.index;
+  turned->target = to.target;
+  PathState near;
+  near.values = to.values;
+  near.values[freeAxis] = leaves ? to.values[freeAxis] : from.values[freeAxis];
+  if (leaves) {
+    turned->target.point = from.target.point;
+    turned->target.direction = from.target.direction;
+  }
+  PathState state;
+  if (!HoldState(solver, turned->target, near, {}, &state, &turned->deviation)) {
+    return false;
+  }
+  turned->values = state.values;
+  turned->branch = state.branch;
+  turned->isSolved = turned->isInserted = turned->isHeld = true;
+  return true;
+}
+
 }  // namespace
 
 SegmentDeviation ComputeDeviation(PointSolver& solver, const AxisValues& from,
@@ -333,10 +370,17 @@ std::vector<SolvedPoint> Refine(PointSolver& solver, const PathOptions& options,
   std::vector<Piece> ahead = {{to, 0}};
   MoveStart current = from;
   *left = SegmentDeviation();
+  bool isWhole = true;  // no point is inserted yet
   while (!ahead.empty()) {
     const Piece piece = ahead.back();
     const SegmentDeviation deviation = ComputeDeviation(solver, current.values, piece.end.values);
     SolvedPoint middle;
+    const bool wasWhole = std::exchange(isWhole, false);
+    if (wasWhole && !IsWithin(options.segments, deviation) &&
+        SolveTurned(solver, options, from, to, &middle)) {
+      ahead.push_back({middle, 0});
+      continue;
+    }
     if (!IsWithin(options.segments, deviation) && piece.depth < options.segments.maxDepth &&
         SolveMiddle(solver, options, current, piece.end, &middle)) {
       ahead.back().depth = piece.depth + 1;

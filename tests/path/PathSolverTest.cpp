@@ -626,6 +626,34 @@ TEST(PathSolver, FreeStartTakesAnyTurn) {
   EXPECT_GE(Solve(machine, points, options).summary.unwindingNb, 1U);
 }
 
+// Where a path leaves a singular direction, or comes to one, the free axis turns at that point, and
+// the tip stays there meanwhile.
+TEST(PathSolver, TurnsTheFreeAxisWhereItIsFree) {
+  Kin::Machine machine = Trunnion();
+  std::vector<ToolPoint> points = Spiral(9, 0.25, 0.3);
+  for (std::size_t i = 0; i < 4; ++i) {
+    points[i].direction = AxisZ;
+  }
+  Kin::MachinePosition start = ZeroOf(machine);
+  start[4] = 30.0;
+  for (const bool isReversed : {false, true}) {
+    if (isReversed) {
+      std::reverse(points.begin(), points.end());
+    }
+    PathOptions options;
+    options.segments.isRefined = true;
+    options.segments.directionToleranceDeg = 10.0;
+    options.singularRule = isReversed ? SingularRule::Interpolate : SingularRule::Hold;
+    const Solved solved = Solve(machine, points, options, start);
+    EXPECT_EQ(solved.summary.solvedNb, points.size());
+    EXPECT_GT(solved.summary.insertedNb, 10U);
+    EXPECT_LE(solved.summary.largestTipDeviation, options.segments.tipTolerance);
+    EXPECT_EQ(solved.summary.diagnosisNb.count(DiagnosisCode::SegmentDeviation), 0U);
+    EXPECT_LE(solved.summary.largestResidual.tip, 1e-9);
+    EXPECT_GT(solved.summary.largestResidual.tip, 0.0);
+  }
+}
+
 // Inserted points keep the tool within the tolerances; without them it leaves by more.
 TEST(PathSolver, RefinesBetweenThePoints) {
   Kin::Machine machine = Trunnion();

@@ -77,10 +77,10 @@ struct PathSummary {
   std::uint64_t branchChangeNb = 0;  ///< moves to the other branch
   std::uint64_t unwindingNb = 0;     ///< moves by more than half a turn
   double cost = 0.0;  ///< the sum over all moves, that from the start included unless it is free
-  AxisValues travel = {};                  ///< by place: the sum of the moves between solved points
-  AxisValues smallest = {};                ///< by place, of solved points
-  AxisValues largest = {};                 ///< by place, of solved points
-  Residual largestResidual;                ///< of solved points that are not held
+  AxisValues travel = {};    ///< by place: the sum of the moves between solved points
+  AxisValues smallest = {};  ///< by place, of solved points
+  AxisValues largest = {};   ///< by place, of solved points
+  Residual largestResidual;  ///< of solved points; the direction's where none deviates on purpose
   double largestDeviation = 0.0;           ///< of held points, in radians
   double largestTipDeviation = 0.0;        ///< between points, of what was output
   double largestDirectionDeviation = 0.0;  ///< in radians
