@@ -1,4 +1,5 @@
 #include "exchange/ByteSink.h"
+#include "exchange/JsonFault.h"
 #include "exchange/JsonTape.h"
 #include "exchange/MachineBuilder.h"
 
@@ -22,8 +23,6 @@ using Json = nlohmann::json;
 
 /// The deepest machine has 6: the object, elements, an element, its link, a frame, a column.
 constexpr std::size_t LargestDepth = 6;
-
-constexpr std::size_t LargestFaultText = 200;
 
 constexpr std::uint64_t LargestText = 0x7FFFFFFF;
 
@@ -99,30 +98,16 @@ class MachineHandler : public nlohmann::json_sax<Json> {
     return true;
   }
 
-  bool parse_error(std::size_t position, const std::string& /*last*/,
-                   const nlohmann::detail::exception& error) override {
-    // Of "[json.exception.x] parse error at line 1, column 2: syntax error ..." the end, with no
-    // more than the beginning of what stands in the text.
-    std::string_view text = error.what();
-    for (const std::string_view end : {"] ", ": "}) {
-      const std::size_t found = text.find(end);
-      text.remove_prefix(found == std::string_view::npos ? 0 : found + end.size());
-    }
-    faultPosition_ = position;
-    faultText_ = text.substr(0, LargestFaultText);
-    std::replace_if(
-        faultText_.begin(), faultText_.end(), [](char c) { return c < ' ' || c > '~'; }, '?');
+  bool parse_error(std::size_t /*position*/, const std::string& /*last*/,
+                   const nlohmann::detail::exception& /*error*/) override {
     return false;
   }
-
-  std::size_t GetFaultPosition() const { return faultPosition_; }
-  const std::string& GetFaultText() const { return faultText_; }
 
   /// Says what the text as a whole lacks.
   std::string FindLack() const {
     for (const Section needed : {Format, Version, Entities}) {
       if (!isThere_[needed]) {
-        return "the member \"" + std::string(SectionNames[needed]) + "\" is missing";
+        return "the member \"" + std::string(SectionNames[needed]) + "\" is missing here";
       }
     }
     return std::string();
@@ -214,8 +199,6 @@ class MachineHandler : public nlohmann::json_sax<Json> {
   Section section_ = Format;
   bool isStreamed_ = false;
   bool isThere_[SectionNb] = {};
-  std::size_t faultPosition_ = 0;
-  std::string faultText_;
 };
 
 /// Returns the byte at which a token of a text begins; the text is sound up to it.
@@ -290,15 +273,14 @@ void ReadMachineJson(std::istream& in, const std::string& name, Kin::Machine* ma
   MachineHandler handler(&builder);
   try {
     if (!Json::sax_parse(text.begin(), text.end(), &handler)) {
-      const std::size_t position = handler.GetFaultPosition();
-      Blame(name, text, position == 0 ? 0 : std::min(position - 1, text.size()),
-            handler.GetFaultText());
+      const JsonFault fault = FindJsonFault(text);
+      Blame(name, text, fault.place, fault.what.empty() ? "this is no JSON" : fault.what);
     }
   } catch (const TokenFault& fault) {
     Blame(name, text, FindToken(text, fault.GetToken()), fault.what());
   }
   if (const std::string lack = handler.FindLack(); !lack.empty()) {
-    throw ReadError(name, 0, 0, lack);
+    Blame(name, text, FindToken(text, 0), lack);
   }
   builder.Finish();
   *machine = fresh;

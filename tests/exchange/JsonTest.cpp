@@ -177,8 +177,9 @@ TEST(MachineJson, SaysWhereATextIsWrongAndWhatWasExpected) {
       {"[0, 0, 5]", "[0, 5]", 6, 40, "3 numbers were expected, not 2"},
       {"[0, 0, 5]", "[0, 0, \"x\"]", 6, 47, "a number was expected, not \"x\""},
       {"[0, 0, 5]", "[0, 0, [[[0]]]]", 6, 48, "nested deeper"},
-      {"[0, 0, 5]", "[0, 0, 1e999]", 6, 51, "number overflow"},
-      {"[0, 0, 5]", "[0, 0, 5", 6, 48, "syntax error"},
+      {"[0, 0, 5]", "[0, 0, 1e999]", 6, 47, "this number is too large"},
+      {"[0, 0, 5]", "[0, 0, 5", 6, 48, "a comma or ] was expected, not }"},
+      {"  \"format\": \"orvo-machine\",\n", "", 1, 1, "\"format\" is missing here"},
       {"\"dir\"", "\"dir\": [0, 0, 1], \"dir\"", 6, 51, "\"dir\" is there twice"},
       {"{\"name\"", "17, {\"name\"", 5, 5, "an object was expected"},
       {"\"entities\": [", "\"entities\": {\"a\":[", 4, 15, "an array was expected"},
@@ -209,6 +210,15 @@ TEST(MachineJson, RefusesWhatIsNoObjectAtAll) {
     EXPECT_THROW(Read(text), ReadError);
   }
   EXPECT_NO_THROW(Read("{\"format\":\"orvo-machine\",\"version\":1,\"entities\":[]}"));
+}
+
+TEST(MachineJson, BlamesTheObjectThatLacksAMember) {
+  try {
+    Read("\n  {}");
+    ADD_FAILURE() << "was read";
+  } catch (const ReadError& error) {
+    EXPECT_STREQ(error.what(), "in:2:3: the member \"format\" is missing here");
+  }
 }
 
 TEST(MachineJson, CountsColumnsInCharacters) {
