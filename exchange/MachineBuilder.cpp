@@ -17,6 +17,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 namespace Orvo::Exchange {
@@ -184,7 +185,10 @@ void MachineBuilder::ReadMeshes(const JsonTape& tape, std::size_t value, Entity*
       if (options_.readsMeshes) {
         const std::filesystem::path path = options_.meshFolder / PathFromUtf8(file);
         if (!meshes->ReadCadStlBin(WidePath(path), index)) {
-          throw ExchangeError(NameOf(path) + ": the file can't be read as binary STL");
+          std::error_code error;
+          const bool isThere = std::filesystem::exists(path, error) || error;
+          throw ExchangeError(NameOf(path) + (isThere ? ": the file can't be read as binary STL"
+                                                      : ": the mesh file is missing"));
         }
       }
     } else if (options_.readsMeshes) {

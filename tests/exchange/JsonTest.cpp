@@ -128,8 +128,17 @@ TEST(MachineJson, KeepsAMeshByItsFile) {
     ASSERT_TRUE(SameBits(is->GetTabVertices()[i], was->GetTabVertices()[i]));
   }
   std::filesystem::remove(folder.File("twin_1_0.stl"));
-  EXPECT_THROW(Exchange::ReadMachineJsonFile(folder.File("twin.json"), &again, options),
-               ExchangeError);
+  const auto complaint = [&]() {
+    try {
+      Exchange::ReadMachineJsonFile(folder.File("twin.json"), &again, options);
+    } catch (const ExchangeError& error) {
+      return std::string(error.what());
+    }
+    return std::string("nothing");
+  };
+  EXPECT_THAT(complaint(), HasSubstr("twin_1_0.stl: the mesh file is missing"));
+  folder.Write("twin_1_0.stl", "short");
+  EXPECT_THAT(complaint(), HasSubstr("twin_1_0.stl: the file can't be read as binary STL"));
 }
 
 constexpr const char* SmallText = R"({
