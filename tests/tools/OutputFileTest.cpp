@@ -93,6 +93,40 @@ TEST(OutputFile, ImpossiblePlacesAreNamed) {
   EXPECT_EQ(tool.CountFiles(), 1U);
 }
 
+// A result never replaces what it is made of, whatever name that has and whichever command it is.
+TEST(OutputFile, WhatIsReadIsNotReplaced) {
+  const ToolRun tool;
+  const std::string machine = tool.Run({"new", "trunnion-ac"}).out;
+  const std::string path = "x,y,z,i,j,k\n1,2,30,0,0,1\n";
+  const std::string axes = "X,Y,Z,A,C\n1,2,3,4,5\n";
+  tool.Write("m.xml", machine);
+  tool.Write("p.csv", path);
+  tool.Write("a.csv", axes);
+  tool.Write("a.bin", axes);
+  std::filesystem::create_symlink("m.xml", tool.Folder().File("link.xml"));
+  std::filesystem::create_hard_link(tool.Folder().File("m.xml"), tool.Folder().File("same.xml"));
+  for (const char* command :
+       {"fk m.xml A=1 -o m.xml", "fk m.xml A=1 -o ./m.xml", "fk m.xml A=1 -o link.xml",
+        "fk link.xml A=1 -o m.xml", "fk m.xml A=1 -o same.xml", "fk m.xml a.csv -o a.csv",
+        "fk - A=1 -o m.xml <m.xml", "fk m.xml - -o a.csv <a.csv", "vectors write m.xml -o m.xml",
+        "vectors write - -o m.xml <m.xml", "solve m.xml p.csv -o m.xml",
+        "solve m.xml p.csv -o p.csv", "solve m.xml - -o p.csv <p.csv", "convert m.xml same.xml",
+        "convert - m.xml --from xml <m.xml", "convert m.xml a.csv --to glb --animate a.csv",
+        "convert m.xml a.gltf --animate a.bin"}) {
+    SCOPED_TRACE(command);
+    const ToolResult result = tool.Shell("\"$ORVO\" " + std::string(command));
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.out, "");
+    EXPECT_THAT(result.err, HasSubstr(" would replace what is read\n"));
+    EXPECT_EQ(tool.Folder().Read("m.xml"), machine);
+    EXPECT_EQ(tool.Folder().Read("p.csv"), path);
+    EXPECT_EQ(tool.Folder().Read("a.csv"), axes);
+    EXPECT_EQ(tool.Folder().Read("a.bin"), axes);
+  }
+  // What can't be replaced may be both.
+  EXPECT_EQ(tool.Shell("\"$ORVO\" fk /dev/stdin -o /dev/stdout <m.xml | cat").status, 0);
+}
+
 // A standard output that can't be written is an error, too.
 TEST(OutputFile, StandardOutputIsChecked) {
   const ToolRun tool;

@@ -138,6 +138,11 @@ Format FormatOf(const std::string& name, Format given, const char* option) {
 
 bool IsScene(Format format) { return format == Format::Glb || format == Format::Gltf; }
 
+/// Returns the name of the file with the numbers of a scene in glTF.
+std::string BinaryBeside(const std::string& output) {
+  return Utf8FromWide(FileFromUtf8(output).replace_extension(".bin").wstring());
+}
+
 /// What the names of mesh files begin with.
 std::string MeshBase(const std::filesystem::path& file) {
   return Utf8FromWide(file.stem().wstring());
@@ -260,12 +265,11 @@ void Write(const ConvertOptions& options, Format to, const std::string& meshBase
     });
     return;
   }
-  std::filesystem::path bin = FileFromUtf8(options.output);
-  bin.replace_extension(".bin");
+  const std::string bin = BinaryBeside(options.output);
   WriteTo(options.output, [&](std::ostream& out) {
-    WriteTo(Utf8FromWide(bin.wstring()), [&](std::ostream& binOut) {
-      Exchange::WriteGltf(*machine, out, binOut, Utf8FromWide(bin.filename().wstring()),
-                          writeOptions);
+    WriteTo(bin, [&](std::ostream& binOut) {
+      Exchange::WriteGltf(*machine, out, binOut,
+                          Utf8FromWide(FileFromUtf8(bin).filename().wstring()), writeOptions);
     });
   });
 }
@@ -282,8 +286,9 @@ ExitCode RunConvert(const ConvertOptions& options) {
   const std::filesystem::path input = FileFromUtf8(options.input);
   const std::filesystem::path output = FileFromUtf8(options.output);
   std::error_code ignored;
-  if (!IsStandardStream(options.output) && std::filesystem::equivalent(input, output, ignored)) {
-    throw UsageFailure("OUT: " + Printable(options.output) + " would replace what is read");
+  RefuseToReplaceInput("OUT", options.output, {options.input, options.axes});
+  if (to == Format::Gltf && !IsStandardStream(options.output)) {
+    RefuseToReplaceInput("OUT", BinaryBeside(options.output), {options.input, options.axes});
   }
   const bool canRead = !IsStandardStream(options.input);
   const bool canWrite = !IsStandardStream(options.output);

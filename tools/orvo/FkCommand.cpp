@@ -9,6 +9,7 @@
 #include "MachineFile.h"
 #include "MachineJson.h"
 #include "NumberText.h"
+#include "OutputFile.h"
 #include "OutputFormat.h"
 #include "PointRequest.h"
 #include "ProgramSystemChoice.h"
@@ -156,6 +157,8 @@ class FkRun {
     if (IsFile()) {
       RefuseSecondStandardInput(options_.machine, options_.axes[0]);
     }
+    RefuseToReplaceInput("--output", options_.outputFile,
+                         {options_.machine, IsFile() ? options_.axes[0] : std::string()});
     ReadValidMachine(options_.machine, &machine_);
     names_ = std::make_unique<AxisNames>(machine_, std::vector<std::string>());
     number_ = FindProgramSystem(machine_, options_.programSystem);

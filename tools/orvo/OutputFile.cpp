@@ -2,6 +2,7 @@
 
 #include "Failure.h"
 #include "Interruption.h"
+#include "StandardInput.h"
 #include "WideText.h"
 
 #include <array>
@@ -25,6 +26,25 @@ std::string RandomPart() {
 }
 
 }  // namespace
+
+void RefuseToReplaceInput(const std::string& option, const std::string& output,
+                          std::initializer_list<std::string> inputs) {
+  std::error_code ignored;
+  const std::filesystem::path target = FileFromUtf8(output);
+  // What is no regular file is written to, not replaced.
+  if (output.empty() || IsStandardStream(output) ||
+      !std::filesystem::is_regular_file(target, ignored)) {
+    return;
+  }
+  for (const std::string& input : inputs) {
+    // Where there is no such device, nothing is equivalent to it.
+    const std::filesystem::path source =
+        IsStandardStream(input) ? std::filesystem::path("/dev/stdin") : FileFromUtf8(input);
+    if (!input.empty() && std::filesystem::equivalent(source, target, ignored)) {
+      throw UsageFailure(option + ": " + Printable(output) + " would replace what is read");
+    }
+  }
+}
 
 OutputFile::OutputFile(std::string shownName, std::filesystem::path target)
     : shownName_(std::move(shownName)), target_(std::move(target)) {}

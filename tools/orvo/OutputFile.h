@@ -2,10 +2,20 @@
 
 #include <filesystem>
 #include <fstream>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 
 namespace OrvoTool {
+
+/// Refuses a command line whose result would replace a file that is read, also one that has another
+/// name there, or is the standard input.
+/// @param option  what names the result, for the message
+/// @param output  the result's name in UTF-8; neither an empty one nor "-" is a file
+/// @param inputs  the names of what is read; "-" is the standard input, empty ones are passed over
+/// @throws UsageFailure
+void RefuseToReplaceInput(const std::string& option, const std::string& output,
+                          std::initializer_list<std::string> inputs);
 
 /// Writes a file that is either there whole or not there at all.
 ///

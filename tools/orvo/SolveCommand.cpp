@@ -6,6 +6,7 @@
 #include "Failure.h"
 #include "MachineFile.h"
 #include "NumberText.h"
+#include "OutputFile.h"
 #include "OutputFormat.h"
 #include "ProgramSystemChoice.h"
 #include "SolveRun.h"
@@ -20,10 +21,8 @@
 
 #include <array>
 #include <cstdio>
-#include <filesystem>
 #include <memory>
 #include <optional>
-#include <system_error>
 #include <vector>
 
 namespace OrvoTool {
@@ -99,14 +98,6 @@ Orvo::Vector3D ReadVector(const char* option, const std::string& text) {
   return Orvo::Vector3D((*triple)[0], (*triple)[1], (*triple)[2]);
 }
 
-void RefuseToOverwrite(const std::string& input, const std::string& output) {
-  std::error_code ignored;
-  if (!IsStandardStream(input) && !IsStandardStream(output) &&
-      std::filesystem::equivalent(FileFromUtf8(input), FileFromUtf8(output), ignored)) {
-    throw UsageFailure("--output: " + Printable(output) + " would replace what is read");
-  }
-}
-
 RowFormat FindRowFormat(const SolveOptions& options) {
   if (options.rows != RowFormatChoice::BySuffix) {
     return options.rows == RowFormatChoice::Csv ? RowFormat::Csv : RowFormat::JsonLines;
@@ -139,10 +130,7 @@ ExitCode RunSolve(const SolveOptions& options) {
   if (!options.start.empty()) {
     PutAssignments(ReadAxisAssignments("--start", options.start, names), &start);
   }
-  if (!options.output.empty()) {
-    RefuseToOverwrite(options.machine, options.output);
-    RefuseToOverwrite(options.path, options.output);
-  }
+  RefuseToReplaceInput("--output", options.output, {options.machine, options.path});
   const SolveRun run = {options,
                         machine,
                         programSystem,

@@ -5,6 +5,7 @@
 #include "JsonText.h"
 #include "MachineFile.h"
 #include "NumberText.h"
+#include "OutputFile.h"
 #include "OutputFormat.h"
 #include "ResultOutput.h"
 #include "StandardInput.h"
@@ -86,6 +87,7 @@ ExitCode Write(const VectorsOptions& options) {
   if (options.output.empty()) {
     throw UsageFailure("--output is needed to write; '-' is the standard output");
   }
+  RefuseToReplaceInput("--output", options.output, {options.machine});
   Orvo::Kin::Machine machine;
   ReadValidMachine(options.machine, &machine);
   const Orvo::Vector3D tool((*offset)[0], (*offset)[1], (*offset)[2]);
