@@ -3,7 +3,6 @@
 #include "AxisNames.h"
 #include "AxisRowReader.h"
 #include "PathInput.h"
-#include "SolvedRow.h"
 
 #include <Orvo/Kin/MachinePosition.h>
 #include <Orvo/Kin/Register.h>
@@ -21,7 +20,7 @@ constexpr double SecondsPerMinute = 60.0;
 std::vector<Orvo::Exchange::AnimationKey> ReadAnimationKeys(const std::string& name,
                                                             const Orvo::Kin::Machine& machine,
                                                             double seconds) {
-  const AxisNames names(machine, ReservedColumns());
+  const AxisNames names(machine);
   const bool isJson = FindPathKind(name, PathKind::BySuffix) == PathKind::JsonLines;
   AxisRowReader reader(name, isJson, names, {},
                        std::vector<double>(static_cast<std::size_t>(names.GetCount())));

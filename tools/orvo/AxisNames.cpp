@@ -7,11 +7,21 @@
 #include <Orvo/Kin/Kinematic.h>
 #include <Orvo/Kin/Register.h>
 
-#include <cstddef>
-#include <unordered_set>
+#include <charconv>
+#include <system_error>
+#include <utility>
 
 namespace OrvoTool {
 namespace {
+
+/// What files of axis values have beside the axes, as columns or as members of the same object:
+/// whatever 'orvo solve' writes there.
+constexpr std::string_view ReservedWords[] = {"solutions",      "flags",         "line",
+                                              "branch",         "codes",         "residual",
+                                              "angle_residual", "tip_deviation", "angle_deviation",
+                                              "inverse_time",   "feed",          "rapid",
+                                              "point",          "axes",          "solved",
+                                              "cost",           "diagnoses"};
 
 std::string Lower(std::string_view text) {
   std::string lower(text);
@@ -34,38 +44,52 @@ std::string SafeForCsv(const std::wstring& name) {
 
 }  // namespace
 
-AxisNames::AxisNames(const Orvo::Kin::Machine& machine, const std::vector<std::string>& reserved) {
-  const int count = machine.GetRegisterNb().GetVal();
-  std::unordered_set<std::string> taken;
-  for (const std::string& name : reserved) {
-    taken.insert(Lower(name));
+AxisNames::AxisNames(const Orvo::Kin::Machine& machine) : count_(machine.GetRegisterNb().GetVal()) {
+  for (const Orvo::Kin::Entity& entity : machine.GetKinematic().GetListEntity()) {
+    const int reg = entity.GetRegister().GetVal();
+    if (reg >= 0 && reg < count_) {
+      names_.emplace(reg, std::string());
+    }
   }
-  for (int r = 0; r < count; ++r) {
-    const Orvo::Kin::Entity* entity = machine.GetKinematic().GetEntity(Orvo::Kin::Register(r));
-    const std::string number = "R" + std::to_string(r);
-    std::string name = entity != nullptr ? SafeForCsv(entity->GetEntityName()) : std::string();
+  for (const std::string_view word : ReservedWords) {
+    registers_.emplace(word, -1);
+  }
+  for (auto& [reg, name] : names_) {
+    const Orvo::Kin::Entity* entity = machine.GetKinematic().GetEntity(Orvo::Kin::Register(reg));
+    const std::string number = "R" + std::to_string(reg);
+    name = entity != nullptr ? SafeForCsv(entity->GetEntityName()) : std::string();
     if (name.empty()) {
       name = number;
     }
-    while (!taken.insert(Lower(name)).second) {
+    while (FindNumbered(Lower(name)) >= 0 || !registers_.emplace(Lower(name), reg).second) {
       name += "_" + number;
     }
-    names_.push_back(name);
   }
 }
 
 std::string AxisNames::GetName(int reg) const {
-  return reg >= 0 && reg < GetCount() ? names_[static_cast<std::size_t>(reg)] : "none";
+  const auto found = names_.find(reg);
+  return found != names_.end()          ? found->second
+         : reg >= 0 && reg < GetCount() ? "R" + std::to_string(reg)
+                                        : "none";
 }
 
 int AxisNames::Find(std::string_view name) const {
   const std::string lower = Lower(name);
-  for (int r = 0; r < GetCount(); ++r) {
-    if (Lower(names_[static_cast<std::size_t>(r)]) == lower) {
-      return r;
-    }
+  const auto found = registers_.find(lower);
+  return found != registers_.end() ? found->second : FindNumbered(lower);
+}
+
+/// Returns the register without element that a name such as "r7" stands for, or -1.
+int AxisNames::FindNumbered(std::string_view lower) const {
+  if (lower.size() < 2 || lower[0] != 'r' || (lower[1] == '0' && lower.size() > 2)) {
+    return -1;
   }
-  return -1;
+  int reg = -1;
+  const char* const last = lower.data() + lower.size();
+  const auto [end, error] = std::from_chars(lower.data() + 1, last, reg);
+  const bool isNumber = error == std::errc() && end == last && reg >= 0 && reg < count_;
+  return isNumber && names_.count(reg) == 0 ? reg : -1;
 }
 
 }  // namespace OrvoTool

@@ -2,9 +2,10 @@
 
 #include <Orvo/Kin/Machine.h>
 
+#include <map>
 #include <string>
 #include <string_view>
-#include <vector>
+#include <unordered_map>
 
 namespace OrvoTool {
 
@@ -12,14 +13,16 @@ namespace OrvoTool {
 ///
 /// A register is called after the element that it drives. Characters that would upset a CSV file
 /// become '_'; a register without element, or whose element has no name, is called R and its
-/// number; a name that came before, in whatever case, gets the number appended.
+/// number; a name that came before, in whatever case, or that a file of axis values has for
+/// something else, gets the number appended.
+///
+/// Takes memory for the registers that an element has, however many there are beside them.
 class AxisNames {
  public:
-  /// @param reserved  names that no register may have
-  AxisNames(const Orvo::Kin::Machine& machine, const std::vector<std::string>& reserved);
+  explicit AxisNames(const Orvo::Kin::Machine& machine);
 
   /// Returns the number of registers.
-  int GetCount() const { return static_cast<int>(names_.size()); }
+  int GetCount() const { return count_; }
 
   /// Returns the name of a register; "none" for one that the machine does not have.
   std::string GetName(int reg) const;
@@ -28,7 +31,11 @@ class AxisNames {
   int Find(std::string_view name) const;
 
  private:
-  std::vector<std::string> names_;
+  int FindNumbered(std::string_view lower) const;
+
+  int count_ = 0;
+  std::map<int, std::string> names_;                ///< of the registers that an element has
+  std::unordered_map<std::string, int> registers_;  ///< by their names in lower case
 };
 
 }  // namespace OrvoTool

@@ -174,7 +174,7 @@ ExitCode RunCheck(const CheckOptions& options) {
   const std::string machineName = ShownInput(options.machine);
   Orvo::Kin::Machine machine;
   ReadValidMachine(options.machine, &machine);
-  const AxisNames names(machine, ReservedColumns());
+  const AxisNames names(machine);
   const int number = FindProgramSystem(machine, options.programSystem);
   const Orvo::Kin::ProgramSystem& programSystem = GetProgramSystem(machine, number);
   std::vector<double> start(static_cast<std::size_t>(names.GetCount()));

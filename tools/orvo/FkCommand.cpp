@@ -160,7 +160,7 @@ class FkRun {
     RefuseToReplaceInput("--output", options_.outputFile,
                          {options_.machine, IsFile() ? options_.axes[0] : std::string()});
     ReadValidMachine(options_.machine, &machine_);
-    names_ = std::make_unique<AxisNames>(machine_, std::vector<std::string>());
+    names_ = std::make_unique<AxisNames>(machine_);
     number_ = FindProgramSystem(machine_, options_.programSystem);
     system_ = GetProgramSystem(machine_, number_);
     wanted_ = FindElements(machine_, options_);
@@ -261,14 +261,12 @@ class FkRun {
       case OutputFormat::Csv:
         WriteCsv(result);
         break;
-      case OutputFormat::Json: {
-        std::string text = JsonDocument(MakeJson(result, position));
-        text.pop_back();
-        output_.Write((isFirst_ ? "" : ",\n") + text);
+      case OutputFormat::Json:
+        output_.Write(isFirst_ ? "" : ",\n");
+        WriteJson(result, position, false);
         break;
-      }
       case OutputFormat::JsonLines:
-        output_.Write(JsonLine(MakeJson(result, position)));
+        WriteJson(result, position, true);
         break;
       case OutputFormat::Text:
         output_.Write(IsFile() ? LineText(result) : FullText(result, position));
@@ -306,14 +304,37 @@ class FkRun {
     output_.Write(rows);
   }
 
-  JsonValue MakeJson(const FkResult& result, const Orvo::Kin::MachinePosition& position) const {
+  /// Writes a result in JSON, its axes one by one: there may be millions of registers.
+  void WriteJson(const FkResult& result, const Orvo::Kin::MachinePosition& position, bool isLine) {
+    const JsonValue json = MakeJson(result);
+    std::string text = isLine ? JsonLine(json) : JsonDocument(json);
+    if (!isLine) {
+      text.pop_back();
+    }
+    // Only a number or null stands before the axes.
+    constexpr std::string_view empty = "{}";
+    const std::size_t place = text.find(empty, text.find("\"axes\":"));
+    output_.Write(text.substr(0, place + 1));
+    const int count = names_->GetCount();
+    for (int r = 0; r < count; ++r) {
+      const std::string name = JsonText(names_->GetName(r));
+      const std::string number = JsonText(position[Orvo::Kin::Register(r)]);
+      output_.Write((r > 0 ? "," : "") + (isLine ? name + ":" : "\n    " + name + ": ") + number);
+    }
+    output_.Write((isLine || count == 0 ? "" : "\n  ") + text.substr(place + 1));
+  }
+
+  static std::string JsonText(const JsonValue& value) {
+    std::string text = JsonLine(value);
+    text.pop_back();
+    return text;
+  }
+
+  /// Makes all of a result but its axes, which are left empty.
+  JsonValue MakeJson(const FkResult& result) const {
     JsonValue json;
     json["line"] = result.line > 0 ? JsonValue(result.line) : JsonValue();
-    JsonValue axes = JsonValue::object();
-    for (int r = 0; r < names_->GetCount(); ++r) {
-      axes[names_->GetName(r)] = position[Orvo::Kin::Register(r)];
-    }
-    json["axes"] = axes;
+    json["axes"] = JsonValue::object();
     json["tool"] = JsonValue();
     if (result.hasTool) {
       Orvo::Matrix43 tool = result.tableFromTool;

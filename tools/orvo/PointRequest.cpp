@@ -64,7 +64,7 @@ PointRequest::PointRequest(const RequestOptions& options)
     throw UsageFailure("DIRECTION: the direction is null");
   }
   ReadValidMachine(options.machine, &machine_);
-  names_ = std::make_unique<AxisNames>(machine_, std::vector<std::string>());
+  names_ = std::make_unique<AxisNames>(machine_);
   number_ = FindProgramSystem(machine_, options.programSystem);
   programSystem_ = OrvoTool::GetProgramSystem(machine_, number_);
   machine_.Alloc(&start_);

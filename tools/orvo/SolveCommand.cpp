@@ -122,7 +122,7 @@ ExitCode RunSolve(const SolveOptions& options) {
                                             std::to_string(MaxRegisters) +
                                             " columns can be written");
   }
-  const AxisNames names(machine, ReservedColumns());
+  const AxisNames names(machine);
   const int number = FindProgramSystem(machine, options.programSystem);
   const Orvo::Kin::ProgramSystem& programSystem = GetProgramSystem(machine, number);
   Orvo::Kin::MachinePosition start;

@@ -52,14 +52,6 @@ void AppendMember(const char* name, double value, std::string* row) {
 
 }  // namespace
 
-const std::vector<std::string>& ReservedColumns() {
-  static const std::vector<std::string> names = {
-      "solutions",       "flags",        "line",           "branch",
-      "codes",           "residual",     "angle_residual", "tip_deviation",
-      "angle_deviation", "inverse_time", "feed",           "rapid"};
-  return names;
-}
-
 bool IsOnlyOutOfRange(const SolvedPoint& point) {
   return !point.isSolved &&
          std::all_of(point.diagnoses.begin(), point.diagnoses.end(), [](const Diagnosis& d) {

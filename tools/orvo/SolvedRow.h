@@ -15,9 +15,6 @@ namespace OrvoTool {
 /// How the rows of a result are written.
 enum class RowFormat : int { Csv, JsonLines };
 
-/// The names that columns beside those of axes have in any result: no axis has one of them.
-const std::vector<std::string>& ReservedColumns();
-
 /// What a result has beside axis values, line, branch, flags and codes.
 struct RowColumns {
   int decimals = 6;  ///< of axis values in CSV
