@@ -51,6 +51,25 @@ TEST(Vectors, EveryMachineGivesItsVectorsBack) {
   }
 }
 
+// Nothing is written that could not be read back.
+TEST(Vectors, TooManyRegistersAreRefused) {
+  const ToolRun tool;
+  const auto write = [&](int reg) {
+    const std::string number = std::to_string(reg);
+    std::string text = tool.Run({"new", "trunnion-ac"}).out;
+    text = Replaced(text, "<Register>4<", "<Register>" + number + "<");
+    text = Replaced(text, "RegR1=\"4\"", "RegR1=\"" + number + "\"");
+    const std::string machine = tool.Write("far.xml", text);
+    return tool.Run({"vectors", "write", machine, "-o", tool.File("far.txt"), "--count", "3"});
+  };
+  const ToolResult refused = write(2620);
+  EXPECT_EQ(refused.status, 2);
+  EXPECT_THAT(refused.err, HasSubstr("far.xml: the machine has 2621 registers; at most 2620"));
+  EXPECT_FALSE(tool.Folder().Has("far.txt"));
+  ASSERT_EQ(write(2619).status, 0);
+  EXPECT_EQ(tool.Run({"vectors", "verify", tool.File("far.xml"), tool.File("far.txt")}).status, 0);
+}
+
 // What follows by hand at values of 0: the table's face lies 40 above the crossing of the axes, the
 // gauge face 30 above it, and the tool of 70 hangs down to 40 below.
 TEST(Vectors, SamplesHoldWhatFollowsByHand) {

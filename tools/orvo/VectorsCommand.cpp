@@ -11,6 +11,7 @@
 #include "StandardInput.h"
 #include "StandardOutput.h"
 #include "Terminal.h"
+#include "TextLines.h"
 #include "VectorFile.h"
 #include "VectorSample.h"
 #include "WideText.h"
@@ -21,6 +22,7 @@
 #include <CLI/CLI.hpp>
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -64,6 +66,15 @@ Examples:
 
 constexpr double DefaultTolerance = 1e-9;
 
+/// The longest number, "-0x1.0123456789abcp-1022" and the blank before it, and what else the line
+/// of the axis values has.
+constexpr std::size_t LongestNumber = 25;
+constexpr std::size_t LongestHead = 36;
+
+/// With more registers, a line could be longer than those that are read.
+constexpr int MaxRegisters =
+    static_cast<int>((TextLines::MaxLineBytes - LongestHead) / LongestNumber);
+
 enum class Action : int { Write, Verify };
 
 struct VectorsOptions {
@@ -90,6 +101,12 @@ ExitCode Write(const VectorsOptions& options) {
   RefuseToReplaceInput("--output", options.output, {options.machine});
   Orvo::Kin::Machine machine;
   ReadValidMachine(options.machine, &machine);
+  if (machine.GetRegisterNb().GetVal() > MaxRegisters) {
+    throw Failure(ExitCode::Unreadable, ShownInput(options.machine) + ": the machine has " +
+                                            std::to_string(machine.GetRegisterNb().GetVal()) +
+                                            " registers; at most " + std::to_string(MaxRegisters) +
+                                            " can be written to a line of vectors");
+  }
   const Orvo::Vector3D tool((*offset)[0], (*offset)[1], (*offset)[2]);
   VectorSampler sampler(machine, tool);
   ResultOutput output(options.output);
