@@ -289,10 +289,127 @@ TEST(Validate, MachinesInJsonAreJudged) {
   ASSERT_EQ(tool.Shell("\"$ORVO\" convert faulty.xml faulty.json").status, 0);
   const ToolResult faulty = tool.Run({"validate", tool.File("faulty.json")});
   EXPECT_EQ(faulty.status, 3);
-  EXPECT_THAT(faulty.out, HasSubstr("faulty.json: error V212 range-reversed: X (id 5)"));
-  const ToolResult broken = tool.Run({"validate", tool.Write("broken.JSON", "{\n oops }")});
-  EXPECT_EQ(broken.status, 2);
-  EXPECT_THAT(broken.err, HasSubstr("broken.JSON:2:"));
+  EXPECT_THAT(faulty.out, HasSubstr("error V212 range-reversed: X (id 5)"));
+}
+
+// The findings about a machine in JSON are those of its machine file, at the lines of the JSON.
+TEST(Validate, FindingsInJsonHaveTheirPlaces) {
+  const std::string text = ToolRun()
+                               .Shell(
+                                   "$ORVO new trunnion-ac | $ORVO convert - - --from xml "
+                                   "--to json")
+                               .out;
+  struct Case {
+    const char* behind;
+    const char* from;
+    const char* to;
+    const char* code;
+    const char* at;  ///< what stands at the place, behind `behind`; nothing for the file as a whole
+  };
+  const Case cases[] = {
+      {"\"name\": \"X\"", "\"id\": 5", "\"id\": 4", "V201", "4,"},
+      {"\"name\": \"X\"", "\"id\": 5", "\"id\": -5", "V202", "-5,"},
+      {"\"name\": \"X\"", "\"register\": 0", "\"register\": 1", "V203", "1,"},
+      {"\"name\": \"X\"", "\"register\": 0", "\"register\": -1", "V204", "-1,"},
+      {"\"name\": \"X\"", "\"parentId\": 4", "\"parentId\": 99", "V207", "99,"},
+      {"\"name\": \"X\"", "\"dir\": [-1", "\"dir\": [-2", "V210", "[-2"},
+      {"\"name\": \"X\"", "\"dir\": [-1", "\"dir\": [0", "V209", "[0"},
+      {"\"name\": \"X\"", "\"rangeMin\": -400", "\"rangeMin\": 401", "V212", "401,"},
+      {"\"name\": \"X\"", "\"rangeMin\": -400", "\"rangeMin\": \"NaN\"", "V112", "\"NaN\""},
+      {"\"name\": \"X\"", "LINEAR", "XYZIJK", "V213", "\"XYZIJK\""},
+      {"\"type\": \"HEAD\"", "\"u\": [1", "\"u\": [2", "V211", "{"},
+      {"\"type\": \"HEAD\"", "HEAD", "AXIS", "V216", nullptr},
+      {"\"programSystems\"", "\"head\": 0", "\"head\": 3", "V301", "3,"},
+      {"\"programSystems\"", "[0, 1, 2]", "[0, 1, 9]", "V303", "9]"},
+      {"\"programSystems\"", "[3, 4]", "[3, 3]", "V305", "3]"},
+      {"\"collisionCheck\"", "\"stock\": []", "\"stock\": [77]", "V401", "77"}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(std::string(c.code) + " " + c.to);
+    const ToolRun tool;
+    const std::string changed = Replace(text, c.behind, c.from, c.to);
+    const std::string file = tool.Write("machine.json", changed);
+    const json report = json::parse(tool.Run({"validate", "--format", "json", file}).out);
+    json found;
+    for (const json& finding : report["findings"]) {
+      found = found.is_null() && finding["code"] == c.code ? finding : found;
+    }
+    ASSERT_FALSE(found.is_null()) << report.dump(2);
+    if (c.at == nullptr) {
+      EXPECT_TRUE(found["line"].is_null());
+      continue;
+    }
+    const std::vector<std::string> lines = Lines(changed);
+    ASSERT_TRUE(found["line"].is_number()) << found;
+    const std::string& line = lines[found["line"].get<std::size_t>() - 1];
+    EXPECT_EQ(line.substr(found["column"].get<std::size_t>() - 1, std::string(c.at).size()), c.at);
+  }
+}
+
+// Messages that name a line mean one of the JSON file.
+TEST(Validate, LinesInMessagesAreThoseOfTheJson) {
+  const ToolRun tool;
+  tool.Write("m.xml", Sound());
+  ASSERT_EQ(tool.Shell("\"$ORVO\" convert m.xml m.json").status, 0);
+  const std::string text =
+      Replace(tool.Folder().Read("m.json"), "\"name\": \"X\"", "\"id\": 5", "\"id\": 4");
+  const ToolResult result = tool.Run({"validate", tool.Write("m.json", text)});
+  const std::size_t name = LineOf(text, "", "\"name\": \"Y\"");
+  EXPECT_THAT(result.out, HasSubstr("the id 4 is that of Y (id 4) in line " +
+                                    std::to_string(name - 1) + " too"));
+}
+
+// Mesh files are looked for where the JSON says.
+TEST(Validate, MeshFilesOfJsonAreLookedFor) {
+  const ToolRun tool;
+  ASSERT_EQ(tool.Run({"convert", ExampleMachine("trunnion_ac"), tool.File("m.json")}).status, 0);
+  EXPECT_EQ(tool.Run({"validate", "--strict", tool.File("m.json")}).status, 0);
+  std::filesystem::remove(tool.Folder().File("m_1_0.stl"));
+  tool.Write("m_2_0.stl", "short");
+  const ToolResult result = tool.Run({"validate", "--strict", tool.File("m.json")});
+  EXPECT_EQ(result.status, 3);
+  const std::string line = std::to_string(LineOf(tool.Folder().Read("m.json"), "", "m_1_0.stl"));
+  EXPECT_THAT(result.out, HasSubstr("m.json:" + line + ":"));
+  EXPECT_THAT(result.out, HasSubstr("warning V402 mesh-file-missing: "));
+  EXPECT_THAT(result.out, HasSubstr("m_1_0.stl is missing\n"));
+  EXPECT_THAT(result.out, HasSubstr("warning V403 mesh-file-faulty: "));
+  EXPECT_THAT(result.out, HasSubstr("0 errors, 2 warnings\n"));
+  ASSERT_EQ(
+      tool.Run({"convert", tool.File("m.json"), tool.File("bare.json"), "--no-meshes"}).status, 0);
+  EXPECT_EQ(tool.Run({"validate", "--strict", tool.File("bare.json")}).status, 0)
+      << "a mesh that names no file misses none";
+}
+
+// JSON that can't be read is judged in the form that was asked for.
+TEST(Validate, UnreadableJsonIsAFindingToo) {
+  struct Case {
+    const char* text;
+    const char* code;
+    int line;
+    int column;
+  };
+  for (const Case& c : {Case{"{\n oops }", "V101", 2, 2}, Case{"", "V101", 1, 1},
+                        Case{"\n {}", "V901", 2, 2}, Case{"{\"format\":\n1}", "V901", 2, 1}}) {
+    SCOPED_TRACE(c.text);
+    const ToolRun tool;
+    const std::string file = tool.Write("broken.JSON", c.text);
+    const std::string place =
+        "broken.JSON:" + std::to_string(c.line) + ":" + std::to_string(c.column);
+    const ToolResult plain = tool.Run({"validate", file});
+    EXPECT_EQ(plain.status, 2);
+    EXPECT_THAT(plain.out, HasSubstr(place + ": error " + c.code + " "));
+    const ToolResult document = tool.Run({"validate", "--format", "json", file});
+    EXPECT_EQ(document.status, 2);
+    const json report = json::parse(document.out);
+    EXPECT_EQ(report["valid"], false);
+    ASSERT_EQ(report["findings"].size(), 1U);
+    EXPECT_EQ(report["findings"][0]["code"], c.code);
+    EXPECT_EQ(report["findings"][0]["line"], c.line);
+    EXPECT_EQ(report["findings"][0]["column"], c.column);
+    const ToolResult lines = tool.Run({"validate", "--format", "jsonl", file});
+    EXPECT_EQ(lines.status, 2);
+    EXPECT_EQ(json::parse(lines.out), report["findings"][0]);
+    EXPECT_EQ(lines.err.empty(), std::string(c.code) == "V101");
+  }
 }
 
 // The machines that come with the project are sound.

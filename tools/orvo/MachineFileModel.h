@@ -43,6 +43,7 @@ struct FileElement {
   Placed<double> rangeMin;
   Placed<double> rangeMax;
   int meshNb = 0;
+  std::vector<Placed<std::string>> meshFiles;  ///< those that the file names, as JSON does
 
   bool IsMoving() const {
     return link.isGood && (link.value == FileLink::Linear || link.value == FileLink::Rotary);
@@ -60,6 +61,7 @@ struct FileProgramSystem {
 
 /// A machine file as it stands, with the places of what it says.
 struct FileMachine {
+  bool isJson = false;
   std::vector<FileElement> elements;
   std::vector<FileProgramSystem> programSystems;
   std::vector<Placed<int>> collisionIds;  ///< all that the collision check names

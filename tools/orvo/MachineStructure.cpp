@@ -205,9 +205,11 @@ class ElementCheck {
     if (element.direction.isGood) {
       const double length = Length(element.direction.value);
       if (!(length >= ShortestDirection)) {
+        // The reader of JSON keeps what is null, so that nothing gets lost.
         Add(FindingCode::NoDirection, element.direction.place, element,
             "the direction " + VectorText(element.direction.value) +
-                " is too short to be one; (1, 0, 0) is taken");
+                (machine_.isJson && length == 0.0 ? " is none"
+                                                  : " is too short to be one; (1, 0, 0) is taken"));
       } else if (std::abs(length - 1.0) > UnitTolerance) {
         Add(FindingCode::DirectionNotUnit, element.direction.place, element,
             "the direction " + VectorText(element.direction.value) + " has the length " +

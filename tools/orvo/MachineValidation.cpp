@@ -3,11 +3,15 @@
 #include "Failure.h"
 #include "MachineFile.h"
 #include "MachineFileModel.h"
+#include "MachineJsonModel.h"
 #include "MachineStructure.h"
+#include "MeshFileFault.h"
 #include "StandardInput.h"
 #include "WideText.h"
 #include "XmlOutline.h"
 
+#include <Orvo/Exchange/ExchangeError.h>
+#include <Orvo/Exchange/MachineJson.h>
 #include <Orvo/Kin/Machine.h>
 #include <Orvo/Kin/MachinePosition.h>
 #include <Orvo/Kin/ProgramSystem.h>
@@ -15,6 +19,7 @@
 #include <Orvo/Path/PointSolver.h>
 #include <Orvo/Vector3D.h>
 
+#include <nlohmann/json.hpp>
 #include <utf8.h>
 
 #include <algorithm>
@@ -26,6 +31,7 @@
 #include <iterator>
 #include <optional>
 #include <set>
+#include <sstream>
 #include <string_view>
 #include <system_error>
 
@@ -38,11 +44,6 @@ constexpr std::size_t MaxPrepared = 64;
 
 /// Larger machines are not prepared, for the same reason.
 constexpr std::size_t MaxPreparedElements = 20000;
-
-/// The bytes of a mesh file in front of its triangles, and those of each triangle.
-constexpr std::uintmax_t StlHeaderBytes = 84;
-constexpr std::uintmax_t StlTriangleBytes = 50;
-constexpr std::size_t StlCountOffset = 80;
 
 const TextPlace Whole = {0, 0};
 
@@ -89,46 +90,6 @@ void CheckEncoding(const std::string& bytes, MachineFindings* findings) {
                 "bytes that are no UTF-8: they read as U+FFFD; save the file as UTF-8");
 }
 
-/// Returns why a mesh file can't be read as one, or nothing.
-std::string FindMeshFault(const std::filesystem::path& file, FindingCode* code) {
-  *code = FindingCode::MeshFileFaulty;
-  std::error_code error;
-  const std::filesystem::file_status status = std::filesystem::status(file, error);
-  if (!std::filesystem::exists(status)) {
-    *code = FindingCode::MeshFileMissing;
-    return "is missing";
-  }
-  if (!std::filesystem::is_regular_file(status)) {
-    return "is no file";
-  }
-  const std::uintmax_t size = std::filesystem::file_size(file, error);
-  if (!error && size < StlHeaderBytes) {
-    return "is shorter than the 84 bytes in front of the triangles";
-  }
-  errno = 0;
-  std::ifstream stream(file, std::ios::binary);
-  std::array<char, StlHeaderBytes> header = {};
-  if (!stream.read(header.data(), header.size())) {
-    throw Failure(ExitCode::Unreadable,
-                  Printable(Utf8FromFile(file)) + ": can't be read" +
-                      (errno != 0 ? ": " + std::generic_category().message(errno) : ""));
-  }
-  std::uint32_t triangleNb = 0;
-  for (std::size_t i = 0; i < 4; ++i) {
-    triangleNb |= static_cast<std::uint32_t>(static_cast<unsigned char>(header[StlCountOffset + i]))
-                  << (8 * i);
-  }
-  if (triangleNb == 0) {
-    return "holds no triangle";
-  }
-  const std::uintmax_t needed = StlHeaderBytes + StlTriangleBytes * triangleNb;
-  if (!error && size < needed) {
-    return "has " + std::to_string(size) + " bytes; its " + std::to_string(triangleNb) +
-           " triangles need " + std::to_string(needed);
-  }
-  return "";
-}
-
 void CheckMeshFiles(const std::string& name, const FileMachine& machine,
                     MachineFindings* findings) {
   const std::string stem = name.substr(0, name.rfind('.'));
@@ -136,11 +97,12 @@ void CheckMeshFiles(const std::string& name, const FileMachine& machine,
     for (int i = 0; element.id.isGood && i < element.meshNb; ++i) {
       const std::string mesh =
           stem + "_" + std::to_string(element.id.value) + "_" + std::to_string(i) + ".stl";
-      FindingCode code = FindingCode::MeshFileMissing;
-      const std::string fault = FindMeshFault(FileFromUtf8(mesh), &code);
+      bool isMissing = false;
+      const std::string fault = FindMeshFileFault(FileFromUtf8(mesh), &isMissing);
       if (!fault.empty()) {
-        findings->Add(AboutElement(code, element.place, element,
-                                   "the mesh file " + Printable(mesh) + " " + fault));
+        findings->Add(
+            AboutElement(isMissing ? FindingCode::MeshFileMissing : FindingCode::MeshFileFaulty,
+                         element.place, element, "the mesh file " + Printable(mesh) + " " + fault));
       }
     }
   }
@@ -197,40 +159,54 @@ void CheckByLibrary(const std::string& name, const std::string& bytes,
   }
 }
 
-/// Looks at a machine in JSON. Its reader refuses what it does not know, with the place; what it
-/// takes is looked at in the form of a machine file, where places mean nothing.
+/// Looks for the mesh files that a machine in JSON names.
+void CheckNamedMeshFiles(const std::string& name, const FileMachine& machine,
+                         MachineFindings* findings) {
+  const std::filesystem::path folder = FileFromUtf8(name).parent_path();
+  for (const FileElement& element : machine.elements) {
+    for (const Placed<std::string>& mesh : element.meshFiles) {
+      const std::filesystem::path file = folder / FileFromUtf8(mesh.value);
+      bool isMissing = false;
+      const std::string fault = FindMeshFileFault(file, &isMissing);
+      if (!fault.empty()) {
+        findings->Add(AboutElement(
+            isMissing ? FindingCode::MeshFileMissing : FindingCode::MeshFileFaulty, mesh.place,
+            element, "the mesh file " + Printable(Utf8FromFile(file)) + " " + fault));
+      }
+    }
+  }
+}
+
+/// Looks at a machine in JSON. The library judges the text: it refuses what it does not know.
 void ValidateJson(const std::string& name, MachineValidation* validation) {
+  MachineFindings* findings = &validation->findings;
+  const std::string bytes = ReadBytes(name);
   Orvo::Kin::Machine machine;
-  ReadMachine(name, &machine);
-  validation->isMachineFile = true;
-  const SpooledInput spooled(".xml", std::string());
-  const std::optional<std::wstring> wide = WideFromUtf8(spooled.GetName());
-  if (!wide || !machine.WriteXML(*wide)) {
-    throw Failure(ExitCode::Unreadable, "orvo: a temporary file can't be written");
-  }
-  const std::string bytes = ReadBytes(spooled.GetName());
-  const XmlOutline outline(bytes);
-  MachineFindings found;
-  const std::optional<FileMachine> file =
-      outline.IsWellFormed() ? ReadFileMachine(outline, &found) : std::nullopt;
-  if (file) {
-    CheckElements(*file, &found);
-    CheckProgramSystems(*file, &found);
-  }
-  for (MachineFinding finding : found.GetAll()) {
-    finding.place = Whole;
-    validation->findings.Add(finding);
-  }
-  if (validation->findings.GetErrorNb() > 0) {
+  try {
+    Orvo::Exchange::JsonReadOptions options;
+    options.largestSize = MaxMachineFileBytes;
+    std::istringstream stream(bytes);
+    Orvo::Exchange::ReadMachineJson(stream, ShownInput(name), &machine, options);
+  } catch (const Orvo::Exchange::ReadError& error) {
+    const bool isJson = nlohmann::json::accept(bytes);
+    findings->Add(isJson ? FindingCode::NotReadByLibrary : FindingCode::NotWellFormed,
+                  TextPlace{error.GetLine(), error.GetColumn()}, Printable(error.GetMessage()));
+    validation->refusal = isJson ? Printable(error.what()) : std::string();
     return;
   }
-  if (!machine.IsFinished()) {
-    validation->findings.Add(
-        FindingCode::NotValidByLibrary, Whole,
-        std::string("the machine is ") + DescribeVerdict(machine.GetLastError()));
-  } else if (static_cast<std::size_t>(machine.GetEntityNb()) <= MaxPreparedElements) {
-    PrepareProgramSystems(machine, &validation->findings);
+  validation->isMachineFile = true;
+  const FileMachine file = ReadJsonMachine(bytes, findings);
+  CheckElements(file, findings);
+  CheckProgramSystems(file, findings);
+  CheckNamedMeshFiles(name, file, findings);
+  if (findings->GetErrorNb() == 0 && !machine.IsFinished()) {
+    findings->Add(FindingCode::NotValidByLibrary, Whole,
+                  std::string("the machine is ") + DescribeVerdict(machine.GetLastError()));
+  } else if (findings->GetErrorNb() == 0 &&
+             static_cast<std::size_t>(machine.GetEntityNb()) <= MaxPreparedElements) {
+    PrepareProgramSystems(machine, findings);
   }
+  findings->Sort();
 }
 
 }  // namespace
