@@ -97,6 +97,21 @@ TEST(Convert, LeavesMeshesOutWhereAsked) {
   EXPECT_EQ(tool.Folder().Read("m.glb").find("\"meshes\""), std::string::npos);
 }
 
+// A mesh file that is not there is named, whichever way the machine is written down.
+TEST(Convert, MissingMeshFileIsNamed) {
+  const ToolRun tool;
+  ASSERT_EQ(tool.Run({"convert", ExampleMachine("trunnion_ac"), tool.File("a.xml")}).status, 0);
+  ASSERT_EQ(tool.Run({"convert", tool.File("a.xml"), tool.File("a.json")}).status, 0);
+  std::filesystem::remove(tool.Folder().File("a_3_0.stl"));
+  for (const char* machine : {"a.xml", "a.json"}) {
+    const ToolResult result = tool.Run({"convert", tool.File(machine), tool.File("m.glb")});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.err, HasSubstr("a_3_0.stl"));
+    EXPECT_THAT(result.err, HasSubstr("is missing"));
+    EXPECT_FALSE(tool.Folder().Has("m.glb"));
+  }
+}
+
 TEST(Convert, StatusTellsWhatIsWrong) {
   const ToolRun tool;
   const std::string machine = ExampleMachine("trunnion_ac");
@@ -115,6 +130,10 @@ TEST(Convert, StatusTellsWhatIsWrong) {
       {{"convert", "m.glb", "m.xml"}, 1, "machines are read from xml and json only"},
       {{"convert", machine, "-", "--to", "obj"}, 1, "'obj' is none of xml, json, glb"},
       {{"convert", machine, "-", "--to", "dot", "--animate", words}, 1, "only glb and gltf"},
+      {{"convert", machine, "m.glb", "--seconds", "2"}, 1, "--seconds needs --animate"},
+      {{"convert", machine, "m.glb", "--unit", "nan"}, 1, "--unit: "},
+      {{"convert", machine, "m.glb", "--unit", "0"}, 1, "--unit: "},
+      {{"convert", machine, "m.json", "--unit", "1"}, 1, "--unit: only glb, gltf and urdf"},
       {{"convert", machine, machine}, 1, "would replace what is read"},
       {{"convert", broken, "-", "--to", "dot"}, 2, "broken.json:2:13: a text was expected"},
       {{"convert", tool.File("none.json"), "-", "--to", "dot"}, 2, "can't be opened"},

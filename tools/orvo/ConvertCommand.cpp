@@ -4,6 +4,8 @@
 #include "ChoiceOption.h"
 #include "Failure.h"
 #include "MachineFile.h"
+#include "MeshFileFault.h"
+#include "NumberOption.h"
 #include "OutputFile.h"
 #include "StandardInput.h"
 #include "StandardOutput.h"
@@ -72,7 +74,7 @@ struct ConvertOptions {
   Format to = Format::ByName;
   std::string axes;
   double seconds = 0.0;
-  double metersPerUnit = 0.001;
+  double metersPerUnit = 0.0;  ///< 0: not given
   bool leavesMeshesOut = false;
 };
 
@@ -136,6 +138,11 @@ Format FormatOf(const std::string& name, Format given, const char* option) {
                      "' doesn't tell the format");
 }
 
+double GetMetersPerUnit(const ConvertOptions& options) {
+  constexpr double Millimeter = 0.001;
+  return options.metersPerUnit > 0.0 ? options.metersPerUnit : Millimeter;
+}
+
 bool IsScene(Format format) { return format == Format::Glb || format == Format::Gltf; }
 
 /// Returns the name of the file with the numbers of a scene in glTF.
@@ -148,18 +155,39 @@ std::string MeshBase(const std::filesystem::path& file) {
   return Utf8FromWide(file.stem().wstring());
 }
 
+/// Returns the first mesh file of a machine that can't be read, and why; or nothing.
+std::string FindMeshFault(const std::string& name, const Orvo::Kin::Machine& machine) {
+  const std::string stem = name.substr(0, name.rfind('.'));
+  for (const Orvo::Kin::Entity& entity : machine.GetKinematic().GetListEntity()) {
+    const Orvo::Kin::EntityMesh* const meshes = entity.GetEntityMesh();
+    const int meshNb = meshes == nullptr ? 0 : static_cast<int>(meshes->GetMeshNb());
+    for (int i = 0; i < meshNb; ++i) {
+      const std::string mesh = stem + "_" + std::to_string(entity.GetEntityId().GetVal()) + "_" +
+                               std::to_string(i) + ".stl";
+      bool isMissing = false;
+      const std::string fault = FindMeshFileFault(FileFromUtf8(mesh), &isMissing);
+      if (!fault.empty()) {
+        return Printable(mesh) + " " + fault;
+      }
+    }
+  }
+  return "";
+}
+
 void ReadXml(const ConvertOptions& options, bool needsMeshes, Orvo::Kin::Machine* machine) {
   ReadMachine(options.input, machine);
   if (!needsMeshes) {
     return;
   }
+  const std::string fault = FindMeshFault(options.input, *machine);
   // Anew, since reading adds to what is there.
   *machine = Orvo::Kin::Machine();
   const std::optional<std::wstring> wide = WideFromUtf8(options.input);
   if (!wide || !machine->ReadMachineWithMeshStl(*wide)) {
-    throw Failure(ExitCode::Unreadable,
-                  Printable(options.input) +
-                      ": a mesh file beside it can't be read; --no-meshes leaves meshes out");
+    throw Failure(ExitCode::Unreadable, Printable(options.input) + ": " +
+                                            (fault.empty() ? "a mesh file beside it can't be read"
+                                                           : "the mesh file " + fault) +
+                                            "; --no-meshes leaves meshes out");
   }
 }
 
@@ -238,7 +266,7 @@ void Write(const ConvertOptions& options, Format to, const std::string& meshBase
     }
     case Format::Urdf: {
       Exchange::UrdfOptions writeOptions;
-      writeOptions.metersPerUnit = options.metersPerUnit;
+      writeOptions.metersPerUnit = GetMetersPerUnit(options);
       writeOptions.meshBase = meshBase;
       WriteTo(options.output,
               [&](std::ostream& out) { Exchange::WriteUrdf(*machine, out, writeOptions); });
@@ -251,7 +279,7 @@ void Write(const ConvertOptions& options, Format to, const std::string& meshBase
       break;
   }
   Exchange::GltfOptions writeOptions;
-  writeOptions.metersPerUnit = options.metersPerUnit;
+  writeOptions.metersPerUnit = GetMetersPerUnit(options);
   if (!options.axes.empty()) {
     writeOptions.animation = ReadAnimationKeys(options.axes, *machine, options.seconds);
   }
@@ -282,6 +310,12 @@ ExitCode RunConvert(const ConvertOptions& options) {
   }
   if (!options.axes.empty() && !IsScene(to)) {
     throw UsageFailure("--animate: only glb and gltf have animations");
+  }
+  if (options.axes.empty() && options.seconds > 0.0) {
+    throw UsageFailure("--seconds needs --animate");
+  }
+  if (options.metersPerUnit > 0.0 && !IsScene(to) && to != Format::Urdf) {
+    throw UsageFailure("--unit: only glb, gltf and urdf are in meters");
   }
   const std::filesystem::path input = FileFromUtf8(options.input);
   const std::filesystem::path output = FileFromUtf8(options.output);
@@ -329,9 +363,6 @@ ExitCode RunConvert(const ConvertOptions& options) {
 
 CommandAction AddConvertCommand(CLI::App* command) {
   const auto options = std::make_shared<ConvertOptions>();
-  // Without its own words in the help.
-  CLI::Validator isPositive = CLI::PositiveNumber;
-  isPositive.description("");
   command->description(Description);
   command->footer(Footer);
   command
@@ -356,13 +387,13 @@ CommandAction AddConvertCommand(CLI::App* command) {
                    "a move takes what its inverse time says, else 0.1 seconds")
       ->type_name("FILE");
   command->add_option("--seconds", options->seconds, "how long the whole motion is to take")
-      ->check(isPositive)
+      ->check(NumberAbove("a time", 0.0))
       ->type_name("SECONDS");
   command
       ->add_option("--unit", options->metersPerUnit,
                    "how many meters the machine's unit has, for glb, gltf and urdf; 0.001 if not "
                    "given")
-      ->check(isPositive)
+      ->check(NumberAbove("a length", 0.0))
       ->type_name("METERS");
   command->add_flag("--no-meshes", options->leavesMeshesOut, "leaves meshes out");
   return [options]() { return RunConvert(*options); };
