@@ -51,9 +51,9 @@ The policies:
            wherever there is one
 
 The path, as CSV: the first line names the columns, in any order and in upper or
-lower case; x,y,z,i,j,k are needed, f (or feed) and rapid are taken where they
-are there, others are ignored. '#' starts a comment. Directions of any length
-are taken.
+lower case, separated by commas or semicolons; x,y,z,i,j,k are needed, f (or
+feed) and rapid are taken where they are there, others are ignored. '#' starts
+a comment. Directions of any length are taken.
 
 The result of the policy machine: a row for each point, with the value of every
 register, named after its axis; with the number of rotary solutions; and with
