@@ -192,8 +192,9 @@ TEST(Check, HostileFilesAreNamed) {
            Case{"a.jsonl", "{\"axes\":{\"Q\":1}}\n", "'Q' names no axis"},
            Case{"a.jsonl", "{\"X\":\"1\"}\n", "'X' is no number"},
            Case{"a.jsonl", "[1]\n", "is no JSON object"},
-           Case{"a.jsonl", "{\"X\":\n", "is no JSON object"},
+           Case{"a.jsonl", "{\"X\":\n", "a.jsonl:1:6: this is not JSON"},
            Case{"a.jsonl", std::string(30000, '['), "is no JSON object"},
+           Case{"a.jsonl", "{\"d\":" + std::string(30000, '['), "nested more than 100 deep"},
        }) {
     SCOPED_TRACE(c.bytes.substr(0, 40));
     const ToolResult result = tool.Run({"check", Trunnion, tool.Write(c.file, c.bytes)});

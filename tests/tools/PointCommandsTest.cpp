@@ -195,6 +195,58 @@ TEST(PointCommands, ForwardTakesAndGivesEveryForm) {
   EXPECT_EQ(Fields(Lines(tool.Folder().Read("frames.csv"))[1]).size(), 15U);
 }
 
+// A file that names no axis holds no position: it is not taken for one with all axes at 0.
+TEST(PointCommands, FilesWithoutAxesAreRefused) {
+  struct Case {
+    const char* file;
+    std::string bytes;
+    std::string what;
+  };
+  const ToolRun tool;
+  for (const Case& c : {
+           Case{"a.csv", "foo\n10\n",
+                ":1:1: no column is named as an axis; the axes are X, Y, Z, A, C\n"},
+           Case{"a.csv", "X\tY\tZ\tA\tC\n1\t2\t3\t4\t5\n", ":1:1: no column is named as an axis"},
+           Case{"a.csv", "\"X\",\"Y\"\n1,2\n", ":1:1: quoted fields are not read"},
+           Case{"a.csv", "X,note\n1,\"a,b\"\n", ":2:3: quoted fields are not read"},
+           Case{"a.csv", "X,rapid\n1,perhaps\n", ":2:3: rapid: 'perhaps' is none of 0, 1"},
+           Case{"a.csv", "# nothing\n\n", ":1:1: the file is empty"},
+           Case{"a.jsonl", "{}\n", ":1:1: no member is named as an axis; the axes are X, Y,"},
+           Case{"a.jsonl", "{\"axes\":{}}\n", ":1:1: no member is named as an axis"},
+           Case{"a.jsonl", "{\"axes\":[1,2,3,4,5]}\n", ":1:2: 'axes' is no object with the axes"},
+           Case{"a.jsonl", "{\"X\":1}\n{\"A\":1, \"a\":2}\n", ":2:9: 'a' is there twice"},
+           Case{"a.jsonl", "{\"A\":1,\"A\":2}\n", ":1:8: the member 'A' is there twice"},
+           Case{"a.jsonl", "{\"A\":1,\"axes\":{\"A\":2}}\n", ":1:16: 'A' is there twice"},
+           Case{"a.jsonl", "{\"A\":1e999}\n", ":1:6: '1e999' is beyond the numbers"},
+           Case{"a.jsonl", "{\"A\":NaN}\n", ":1:6: this is not JSON"},
+           Case{"a.jsonl", "{\"A\":1", ":1:7: this is not JSON; needed is '}'"},
+           Case{"a.jsonl", "{\"A\":null}\n", ":1:2: 'A' is no number"},
+           Case{"a.jsonl", "{\"A\":{\"A\":1}}\n", ":1:2: 'A' is no number"},
+           Case{"a.jsonl", "{\"A\":1,\"rapid\":1}\n", ":1:8: 'rapid' is neither true nor false"},
+           Case{"a.jsonl", "{\"A\":1,\"feed\":\"1\"}\n", ":1:8: 'feed' is no number"},
+           Case{"a.jsonl", "{\"A\":1,\"flags\":[1]}\n", ":1:8: 'flags' is neither a text nor"},
+           Case{"a.jsonl", "3\n", ":1:1: a number is no JSON object"},
+       }) {
+    SCOPED_TRACE(c.bytes);
+    const std::string file = tool.Write(c.file, c.bytes);
+    const ToolResult result = tool.Run({"fk", Trunnion(), file, "--format", "csv"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.err, HasSubstr(file + c.what));
+  }
+  // What is about no axis may hold anything, and be named as it likes within.
+  const std::string file = tool.Write(
+      "a.jsonl",
+      "{\"x\":{\"axes\":[1,{\"A\":2}]},\"flags\":[\"ok\"],\"rapid\":null,\"feed\":null,\"axes\":"
+      "{\"A\":30}}\n");
+  EXPECT_EQ(tool.Run({"fk", Trunnion(), file}).status, 2) << "x names an axis";
+  const std::string good = tool.Write(
+      "b.jsonl",
+      "{\"d\":{\"axes\":[1,{\"A\":2}]},\"flags\":[\"ok\"],\"rapid\":null,\"axes\":{\"A\":30}}\n");
+  const ToolResult result = tool.Run({"fk", Trunnion(), good, "--format", "jsonl"});
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_EQ(json::parse(result.out)["axes"]["A"], 30.0);
+}
+
 // The standard input can be the machine as well, but not both.
 TEST(PointCommands, MachineMayComeFromTheStandardInput) {
   const ToolRun tool;

@@ -7,11 +7,15 @@
 #include <Orvo/Kin/Kinematic.h>
 #include <Orvo/Kin/Register.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <unordered_set>
 
 namespace OrvoTool {
 namespace {
+
+/// How many names a message lists.
+constexpr int MaxListed = 40;
 
 std::string Lower(std::string_view text) {
   std::string lower(text);
@@ -66,6 +70,14 @@ int AxisNames::Find(std::string_view name) const {
     }
   }
   return -1;
+}
+
+std::string AxisNames::List() const {
+  std::string list;
+  for (int r = 0; r < std::min(GetCount(), MaxListed); ++r) {
+    list += (r == 0 ? "" : ", ") + names_[static_cast<std::size_t>(r)];
+  }
+  return list + (GetCount() > MaxListed ? ", ..." : "");
 }
 
 }  // namespace OrvoTool
