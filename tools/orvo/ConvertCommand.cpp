@@ -4,6 +4,7 @@
 #include "ChoiceOption.h"
 #include "Failure.h"
 #include "MachineFile.h"
+#include "NumberOption.h"
 #include "OutputFile.h"
 #include "StandardInput.h"
 #include "StandardOutput.h"
@@ -324,9 +325,6 @@ ExitCode RunConvert(const ConvertOptions& options) {
 
 CommandAction AddConvertCommand(CLI::App* command) {
   const auto options = std::make_shared<ConvertOptions>();
-  // Without its own words in the help.
-  CLI::Validator isPositive = CLI::PositiveNumber;
-  isPositive.description("");
   command->description(Description);
   command->footer(Footer);
   command
@@ -351,13 +349,13 @@ CommandAction AddConvertCommand(CLI::App* command) {
                    "a move takes what its inverse time says, else 0.1 seconds")
       ->type_name("FILE");
   command->add_option("--seconds", options->seconds, "how long the whole motion is to take")
-      ->check(isPositive)
+      ->check(NumberAbove("a time", 0.0))
       ->type_name("SECONDS");
   command
       ->add_option("--unit", options->metersPerUnit,
                    "how many meters the machine's unit has, for glb, gltf and urdf; 0.001 if not "
                    "given")
-      ->check(isPositive)
+      ->check(NumberAbove("a length", 0.0))
       ->type_name("METERS");
   command->add_flag("--no-meshes", options->leavesMeshesOut, "leaves meshes out");
   return [options]() { return RunConvert(*options); };
