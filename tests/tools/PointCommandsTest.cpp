@@ -247,6 +247,61 @@ TEST(PointCommands, FilesWithoutAxesAreRefused) {
   EXPECT_EQ(json::parse(result.out)["axes"]["A"], 30.0);
 }
 
+// An answer is looked at as well: how near to a singular direction it is, and what the way there
+// from the start takes.
+TEST(PointCommands, AnswerIsExplained) {
+  const ToolRun tool;
+  const auto explain = [&tool](const std::string& direction, const std::string& start) {
+    std::vector<std::string> arguments = {"explain", Trunnion(), "0,0,60",
+                                          direction, "--format", "json"};
+    if (!start.empty()) {
+      arguments.insert(arguments.end(), {"--start", start});
+    }
+    const ToolResult result = tool.Run(arguments);
+    EXPECT_EQ(result.status, 0) << result.err;
+    return json::parse(result.out);
+  };
+  const auto codes = [](const json& report) {
+    std::vector<int> all;
+    for (const json& record : report["diagnoses"]) {
+      all.push_back(record["code"].get<int>());
+    }
+    return all;
+  };
+  const json free = explain("0,0,1", "C=33");
+  EXPECT_EQ(free["singular"]["axis"], "C");
+  EXPECT_EQ(free["singular"]["angleDeg"], 0.0);
+  EXPECT_TRUE(free["singular"]["isFree"].get<bool>());
+  EXPECT_THAT(codes(free), testing::IsEmpty());
+  const json near = explain("0,0.01,1", "");
+  EXPECT_NEAR(near["singular"]["angleDeg"].get<double>(), 0.5729387, 1e-6);
+  EXPECT_TRUE(near["singular"]["isNear"].get<bool>());
+  EXPECT_FALSE(near["singular"]["isFree"].get<bool>());
+  const json far = explain("0,1,1", "C=20");
+  EXPECT_FALSE(far["singular"]["isNear"].get<bool>());
+  EXPECT_THAT(codes(far), testing::IsEmpty());
+  // From C 90 both solutions are as far; from the side of the other one the branch is kept.
+  EXPECT_THAT(codes(explain("0,0.01,1", "A=0.5729,C=80")), testing::ElementsAre(201));
+  EXPECT_THAT(codes(explain("0,0.01,1", "A=-0.5729,C=80")), testing::ElementsAre(202, 201));
+  const json changed = explain("0,1,1", "A=-40,C=10");
+  EXPECT_THAT(codes(changed), testing::ElementsAre(202));
+  EXPECT_EQ(changed["diagnoses"][0]["elements"].size(), 2U);
+  const std::string text =
+      tool.Run({"explain", Trunnion(), "0,0,60", "0,0.01,1", "--start", "A=0.5729,C=80"}).out;
+  EXPECT_THAT(text, HasSubstr("201 near-singular"));
+  EXPECT_THAT(text, HasSubstr("The direction is near singular: 0.572939 degrees from the one that "
+                              "leaves C free.\n"));
+  EXPECT_THAT(tool.Run({"explain", Trunnion(), "0,0,60", "0,0,1"}).out,
+              HasSubstr("The direction is singular: it leaves C free, which keeps the value that"));
+  // A limited C must come back by more than half a turn.
+  const std::string machine =
+      tool.Write("m.xml", tool.Run({"new", "trunnion-ac", "--c", "-10,300", "--a", "-1,100"}).out);
+  const ToolResult unwound =
+      tool.Run({"explain", machine, "0,0,60", "0,-1,1", "--start", "A=40,C=290"});
+  EXPECT_EQ(unwound.status, 0) << unwound.err;
+  EXPECT_THAT(unwound.out, HasSubstr("203 unwinding"));
+}
+
 // The standard input can be the machine as well, but not both.
 TEST(PointCommands, MachineMayComeFromTheStandardInput) {
   const ToolRun tool;

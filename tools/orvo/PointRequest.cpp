@@ -68,7 +68,8 @@ PointRequest::PointRequest(const RequestOptions& options)
   number_ = FindProgramSystem(machine_, options.programSystem);
   programSystem_ = OrvoTool::GetProgramSystem(machine_, number_);
   machine_.Alloc(&start_);
-  if (!options.start.empty()) {
+  hasStart_ = !options.start.empty();
+  if (hasStart_) {
     PutAssignments(ReadAxisAssignments("--start", options.start, *names_), &start_);
   }
 }
