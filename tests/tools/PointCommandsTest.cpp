@@ -338,6 +338,8 @@ TEST(PointCommands, HostileArgumentsAreRefused) {
       {{"fk", m, "A=nan"}, "'nan' is not a finite number"},
       {{"fk", m, "A=1e999"}, "is beyond the numbers"},
       {{"fk", m, "A="}, "is not a number"},
+      {{"fk", m, "A=1", "a=2"}, "AXES: A is given twice"},
+      {{"ik", m, "1,2,3", "0,0,1", "--start", "C=1,C=2"}, "--start: C is given twice"},
       {{"fk", m, "A=1", "7"}, "'7' is not NAME=VALUE"},
       {{"fk", m, "1,2"}, "2 values for 5 registers"},
       {{"fk", m, "--element", ""}, "--element: no element has the name or the id ''"},

@@ -36,6 +36,7 @@ AxisAssignments ReadAxisAssignments(const std::string& option, const std::string
                        " registers; give all of them, or some as NAME=VALUE");
   }
   AxisAssignments assignments;
+  std::vector<bool> isGiven(static_cast<std::size_t>(names.GetCount()));
   int reg = 0;
   for (const std::string_view part : parts) {
     std::string_view number = part;
@@ -53,6 +54,10 @@ AxisAssignments ReadAxisAssignments(const std::string& option, const std::string
     if (fault != NumberFault::None) {
       throw UsageFailure(option + ": '" + Printable(number) + "' " + DescribeFault(fault));
     }
+    if (isGiven[static_cast<std::size_t>(reg)]) {
+      throw UsageFailure(option + ": " + names.GetName(reg) + " is given twice");
+    }
+    isGiven[static_cast<std::size_t>(reg)] = true;
     assignments.emplace_back(reg, value);
     ++reg;
   }
