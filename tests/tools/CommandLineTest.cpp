@@ -74,10 +74,11 @@ TEST(CommandLine, WrongUseIsStatusOne) {
       {{"--frob"}, "orvo: there is no option '--frob'\nTry: orvo --help\n"},
       {{""}, "orvo: a command is needed\n"},
       {{"info"}, "orvo info: MACHINE is required\nTry: orvo info --help\n"},
-      {{"info", machine, "more"}, "orvo info: "},
+      {{"info", machine, "more"}, "orvo info: 'more' is one argument too many\n"},
+      {{"info", machine, "--frob"}, "orvo info: there is no option '--frob'\n"},
       {{"solve"}, "orvo solve: MACHINE is required"},
       {{"solve", machine}, "orvo solve: PATH is required"},
-      {{"solve", machine, path, "-o"}, "orvo solve: "},
+      {{"solve", machine, path, "-o"}, "orvo solve: --output needs a value: AXES\n"},
       {{"solve", machine, path, "-o", axes, "--frob"}, "--frob"},
       {{"solve", machine, path, "-o", axes, "--offset", "1,2"},
        "orvo solve: --offset: three numbers X,Y,Z are needed, not '1,2'"},
@@ -185,7 +186,7 @@ TEST(CommandLine, OptionGivenTwiceIsRefused) {
       tool.Run({"solve", ExampleMachine("trunnion_ac"), ExamplePath("cam_groove_radial"), "-o",
                 tool.File("a"), "--offset", "0,0,1", "--offset", "0,0,2"});
   EXPECT_EQ(result.status, 1);
-  EXPECT_THAT(result.err, HasSubstr("--offset"));
+  EXPECT_THAT(result.err, HasSubstr("orvo solve: --offset is given more than once\n"));
 }
 
 }  // namespace
