@@ -4,6 +4,7 @@
 #include "ChoiceOption.h"
 #include "Failure.h"
 #include "MachineFile.h"
+#include "MeshFileFault.h"
 #include "NumberOption.h"
 #include "OutputFile.h"
 #include "StandardInput.h"
@@ -144,18 +145,39 @@ std::string MeshBase(const std::filesystem::path& file) {
   return Utf8FromWide(file.stem().wstring());
 }
 
+/// Returns the first mesh file of a machine that can't be read, and why; or nothing.
+std::string FindMeshFault(const std::string& name, const Orvo::Kin::Machine& machine) {
+  const std::string stem = name.substr(0, name.rfind('.'));
+  for (const Orvo::Kin::Entity& entity : machine.GetKinematic().GetListEntity()) {
+    const Orvo::Kin::EntityMesh* const meshes = entity.GetEntityMesh();
+    const int meshNb = meshes == nullptr ? 0 : static_cast<int>(meshes->GetMeshNb());
+    for (int i = 0; i < meshNb; ++i) {
+      const std::string mesh = stem + "_" + std::to_string(entity.GetEntityId().GetVal()) + "_" +
+                               std::to_string(i) + ".stl";
+      bool isMissing = false;
+      const std::string fault = FindMeshFileFault(FileFromUtf8(mesh), &isMissing);
+      if (!fault.empty()) {
+        return Printable(mesh) + " " + fault;
+      }
+    }
+  }
+  return "";
+}
+
 void ReadXml(const ConvertOptions& options, bool needsMeshes, Orvo::Kin::Machine* machine) {
   ReadMachine(options.input, machine);
   if (!needsMeshes) {
     return;
   }
+  const std::string fault = FindMeshFault(options.input, *machine);
   // Anew, since reading adds to what is there.
   *machine = Orvo::Kin::Machine();
   const std::optional<std::wstring> wide = WideFromUtf8(options.input);
   if (!wide || !machine->ReadMachineWithMeshStl(*wide)) {
-    throw Failure(ExitCode::Unreadable,
-                  Printable(options.input) +
-                      ": a mesh file beside it can't be read; --no-meshes leaves meshes out");
+    throw Failure(ExitCode::Unreadable, Printable(options.input) + ": " +
+                                            (fault.empty() ? "a mesh file beside it can't be read"
+                                                           : "the mesh file " + fault) +
+                                            "; --no-meshes leaves meshes out");
   }
 }
 

@@ -4,6 +4,7 @@
 #include "MachineFile.h"
 #include "MachineFileModel.h"
 #include "MachineStructure.h"
+#include "MeshFileFault.h"
 #include "StandardInput.h"
 #include "WideText.h"
 #include "XmlOutline.h"
@@ -38,11 +39,6 @@ constexpr std::size_t MaxPrepared = 64;
 
 /// Larger machines are not prepared, for the same reason.
 constexpr std::size_t MaxPreparedElements = 20000;
-
-/// The bytes of a mesh file in front of its triangles, and those of each triangle.
-constexpr std::uintmax_t StlHeaderBytes = 84;
-constexpr std::uintmax_t StlTriangleBytes = 50;
-constexpr std::size_t StlCountOffset = 80;
 
 const TextPlace Whole = {0, 0};
 
@@ -102,46 +98,6 @@ void CheckEncoding(const std::string& bytes, const XmlFault& declared, MachineFi
                 "bytes that are no UTF-8: they read as U+FFFD; save the file as UTF-8");
 }
 
-/// Returns why a mesh file can't be read as one, or nothing.
-std::string FindMeshFault(const std::filesystem::path& file, FindingCode* code) {
-  *code = FindingCode::MeshFileFaulty;
-  std::error_code error;
-  const std::filesystem::file_status status = std::filesystem::status(file, error);
-  if (!std::filesystem::exists(status)) {
-    *code = FindingCode::MeshFileMissing;
-    return "is missing";
-  }
-  if (!std::filesystem::is_regular_file(status)) {
-    return "is no file";
-  }
-  const std::uintmax_t size = std::filesystem::file_size(file, error);
-  if (!error && size < StlHeaderBytes) {
-    return "is shorter than the 84 bytes in front of the triangles";
-  }
-  errno = 0;
-  std::ifstream stream(file, std::ios::binary);
-  std::array<char, StlHeaderBytes> header = {};
-  if (!stream.read(header.data(), header.size())) {
-    throw Failure(ExitCode::Unreadable,
-                  Printable(Utf8FromFile(file)) + ": can't be read" +
-                      (errno != 0 ? ": " + std::generic_category().message(errno) : ""));
-  }
-  std::uint32_t triangleNb = 0;
-  for (std::size_t i = 0; i < 4; ++i) {
-    triangleNb |= static_cast<std::uint32_t>(static_cast<unsigned char>(header[StlCountOffset + i]))
-                  << (8 * i);
-  }
-  if (triangleNb == 0) {
-    return "holds no triangle";
-  }
-  const std::uintmax_t needed = StlHeaderBytes + StlTriangleBytes * triangleNb;
-  if (!error && size < needed) {
-    return "has " + std::to_string(size) + " bytes; its " + std::to_string(triangleNb) +
-           " triangles need " + std::to_string(needed);
-  }
-  return "";
-}
-
 void CheckMeshFiles(const std::string& name, const FileMachine& machine,
                     MachineFindings* findings) {
   const std::string stem = name.substr(0, name.rfind('.'));
@@ -149,11 +105,12 @@ void CheckMeshFiles(const std::string& name, const FileMachine& machine,
     for (int i = 0; element.id.isGood && i < element.meshNb; ++i) {
       const std::string mesh =
           stem + "_" + std::to_string(element.id.value) + "_" + std::to_string(i) + ".stl";
-      FindingCode code = FindingCode::MeshFileMissing;
-      const std::string fault = FindMeshFault(FileFromUtf8(mesh), &code);
+      bool isMissing = false;
+      const std::string fault = FindMeshFileFault(FileFromUtf8(mesh), &isMissing);
       if (!fault.empty()) {
-        findings->Add(AboutElement(code, element.place, element,
-                                   "the mesh file " + Printable(mesh) + " " + fault));
+        findings->Add(
+            AboutElement(isMissing ? FindingCode::MeshFileMissing : FindingCode::MeshFileFaulty,
+                         element.place, element, "the mesh file " + Printable(mesh) + " " + fault));
       }
     }
   }
