@@ -224,7 +224,8 @@ ExitCode RunCheck(const CheckOptions& options) {
                  (isGood     ? style.Good("good")
                   : isMissed ? style.Bad("misses the path")
                              : style.Bad("exceeds ranges or speeds")) +
-                 "\n\n" + check->GetText(targets.IsThere()) +
+                 (check->LacksTimes() ? ", but no speed could be checked" : "") + "\n\n" +
+                 check->GetText(targets.IsThere()) +
                  (mismatch.empty() ? "" : "  There are " + mismatch + ".\n"));
   } else {
     JsonValue json;
