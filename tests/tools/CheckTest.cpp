@@ -176,9 +176,11 @@ TEST(Check, HostileFilesAreNamed) {
     const char* what;
   };
   for (const Case& c : {
-           Case{"a.csv", "", "a.csv:"},
+           Case{"a.csv", "", "a.csv:1:1: the file is empty"},
            Case{"a.csv", "X,Y,Z,A,C\n", "a.csv: the file has no row"},
-           Case{"a.csv", "X,Y,Z,A\n1,2,3,4\n", "a.csv:1:1: there is no value for C"},
+           Case{"a.csv", "X,Y,Z,A\n1,2,3,4\n",
+                "a.csv:1:1: there is no value for C, which the program system moves; the axes are "
+                "X, Y, Z, A, C\n"},
            Case{"a.csv", "X,Y,Z,A,C,x\n", "a.csv:1:11: the column 'x' is named twice"},
            Case{"a.csv", "X,Y,Z,A,C\n1,2,3,4\n", "a.csv:2:8: only 4 of the 5 columns"},
            Case{"a.csv", "X,Y,Z,A,C\n1,2,3,4,5,6\n", "a.csv:2:11: more fields than the 5"},
@@ -192,8 +194,9 @@ TEST(Check, HostileFilesAreNamed) {
            Case{"a.jsonl", "{\"axes\":{\"Q\":1}}\n", "'Q' names no axis"},
            Case{"a.jsonl", "{\"X\":\"1\"}\n", "'X' is no number"},
            Case{"a.jsonl", "[1]\n", "is no JSON object"},
-           Case{"a.jsonl", "{\"X\":\n", "is no JSON object"},
+           Case{"a.jsonl", "{\"X\":\n", "a.jsonl:1:6: this is not JSON"},
            Case{"a.jsonl", std::string(30000, '['), "is no JSON object"},
+           Case{"a.jsonl", "{\"d\":" + std::string(30000, '['), "nested more than 100 deep"},
        }) {
     SCOPED_TRACE(c.bytes.substr(0, 40));
     const ToolResult result = tool.Run({"check", Trunnion, tool.Write(c.file, c.bytes)});
@@ -202,6 +205,30 @@ TEST(Check, HostileFilesAreNamed) {
     EXPECT_THAT(result.err, HasSubstr(c.what));
   }
   EXPECT_EQ(tool.Run({"check", Trunnion, tool.File("none.csv")}).status, 2);
+}
+
+// Where no move has a time, speeds can't be checked, and the verdict says so.
+TEST(Check, SpeedsNeedTimes) {
+  const ToolRun tool;
+  const std::string axes = tool.Write("a.csv", "X,Y,Z,A,C\n1,2,3,4,5\n2,2,3,4,5\n");
+  const ToolResult result = tool.Run({"check", Trunnion, axes, "--speed", "X=1"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.out, HasSubstr(": good, but no speed could be checked\n"));
+  EXPECT_THAT(result.out, HasSubstr("No move has a time: give --feed, or a column inverse_time"));
+  EXPECT_THAT(tool.Run({"check", Trunnion, axes, "--speed", "X=1", "--feed", "6"}).out,
+              HasSubstr(": good\n"));
+}
+
+// Numbers of any size leave the tables readable.
+TEST(Check, HugeNumbersFitTheTable) {
+  const ToolRun tool;
+  const ToolResult result = tool.Run(
+      {"check", Trunnion, tool.Write("a.csv", "X,Y,Z,A,C\n1e308,2,3,4,5\n1,2,3,4,1e307\n")});
+  EXPECT_EQ(result.status, 5);
+  EXPECT_THAT(result.out, HasSubstr("1e+308"));
+  for (const std::string& line : Lines(result.out)) {
+    EXPECT_LE(line.size(), 200U);
+  }
 }
 
 TEST(Check, WrongUseIsStatusOne) {

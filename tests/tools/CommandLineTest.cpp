@@ -74,10 +74,11 @@ TEST(CommandLine, WrongUseIsStatusOne) {
       {{"--frob"}, "orvo: there is no option '--frob'\nTry: orvo --help\n"},
       {{""}, "orvo: a command is needed\n"},
       {{"info"}, "orvo info: MACHINE is required\nTry: orvo info --help\n"},
-      {{"info", machine, "more"}, "orvo info: "},
+      {{"info", machine, "more"}, "orvo info: 'more' is one argument too many\n"},
+      {{"info", machine, "--frob"}, "orvo info: there is no option '--frob'\n"},
       {{"solve"}, "orvo solve: MACHINE is required"},
       {{"solve", machine}, "orvo solve: PATH is required"},
-      {{"solve", machine, path, "-o"}, "orvo solve: "},
+      {{"solve", machine, path, "-o"}, "orvo solve: --output needs a value: AXES\n"},
       {{"solve", machine, path, "-o", axes, "--frob"}, "--frob"},
       {{"solve", machine, path, "-o", axes, "--offset", "1,2"},
        "orvo solve: --offset: three numbers X,Y,Z are needed, not '1,2'"},
@@ -113,6 +114,62 @@ TEST(CommandLine, WrongUseIsStatusOne) {
   }
 }
 
+// Numbers out of bounds, and what is no number, are refused with the bounds in plain words.
+TEST(CommandLine, NumbersAreHeldAgainstTheirBounds) {
+  const ToolRun tool;
+  const std::string machine = ExampleMachine("trunnion_ac");
+  const std::string path = ExamplePath("cam_groove_radial");
+  const std::vector<std::string> check = {"check", machine, "axes.csv"};
+  const std::vector<std::string> greedy = {"solve", machine, path, "--policy", "greedy"};
+  const std::vector<std::string> verify = {"vectors", "verify", machine, "v.txt"};
+  const std::vector<std::string> write = {"vectors", "write", machine, "-o", "-"};
+  const std::vector<std::string> convert = {"convert", machine, tool.File("m.glb")};
+  struct Case {
+    std::vector<std::string> command;
+    const char* option;
+    const char* need;
+    std::vector<std::string> refused;
+  };
+  const Case cases[] = {
+      {check, "--tolerance", "a length of 0 or more", {"nan", "-1", "inf", "1e-3x", " "}},
+      {check, "--angle-tolerance", "an angle of 0 or more", {"nan", "-1e-300", "0x1"}},
+      {check, "--range-tolerance", "a number of 0 or more", {"nan", "-nan", "1e999"}},
+      {check, "--feed", "a feed above 0", {"nan", "0", "-0"}},
+      {check, "--singular", "an angle of 0 or more", {"nan", "-2"}},
+      {greedy, "--tolerance", "a length above 0", {"nan", "0", "-1"}},
+      {greedy, "--angle-tolerance", "an angle above 0", {"NAN", "0"}},
+      {greedy, "--cone", "an angle from 0 to 90", {"nan", "90.001", "-1"}},
+      {greedy, "--branch-cost", "a cost of 0 or more", {"nan", "-5", "inf"}},
+      {greedy, "--unwind-cost", "a cost of 0 or more", {"nan", "-5"}},
+      {greedy, "--threads", "a whole number from 1 to 256", {"0", "257", "1.5", "nan", "-1"}},
+      {greedy, "--memory", "a whole number from 0 to 1048576", {"-1", "1048577"}},
+      {greedy,
+       "--decimals",
+       "a whole number from 0 to 15",
+       {"16", "-1", "x", "99999999999999999999"}},
+      {verify, "--tolerance", "a number of 0 or more", {"nan", "-1"}},
+      {write, "--count", "a whole number from 1 to 1000000", {"0", "1e3"}},
+      {write, "--seed", "a whole number from 0 to 18446744073709551615", {"-1", "1.5"}},
+      {convert, "--unit", "a length above 0", {"nan", "0"}},
+      {convert, "--seconds", "a time above 0", {"nan", "-1"}},
+  };
+  for (const Case& c : cases) {
+    for (const std::string& value : c.refused) {
+      std::vector<std::string> arguments = c.command;
+      arguments.insert(arguments.end(), {std::string(c.option) + "=" + value});
+      const ToolResult result = tool.Run(arguments);
+      EXPECT_EQ(result.status, 1) << c.option << " " << value;
+      EXPECT_EQ(result.out, "") << c.option << " " << value;
+      EXPECT_EQ(Lines(result.err).at(0), "orvo " + c.command[0] + ": " + c.option + ": " + c.need +
+                                             " is needed, not '" + value + "'");
+    }
+  }
+  EXPECT_EQ(tool.Run({"vectors", "write", machine, "-o", "-", "--count", "1", "--seed",
+                      "18446744073709551615"})
+                .status,
+            0);
+}
+
 // What can't be shown in a terminal as it is becomes '?': no argument can steer it.
 TEST(CommandLine, ControlCharactersAreNotEchoed) {
   const ToolRun tool;
@@ -129,7 +186,7 @@ TEST(CommandLine, OptionGivenTwiceIsRefused) {
       tool.Run({"solve", ExampleMachine("trunnion_ac"), ExamplePath("cam_groove_radial"), "-o",
                 tool.File("a"), "--offset", "0,0,1", "--offset", "0,0,2"});
   EXPECT_EQ(result.status, 1);
-  EXPECT_THAT(result.err, HasSubstr("--offset"));
+  EXPECT_THAT(result.err, HasSubstr("orvo solve: --offset is given more than once\n"));
 }
 
 }  // namespace

@@ -91,6 +91,7 @@ TEST(Convert, LeavesMeshesOutWhereAsked) {
   const ToolResult failed = tool.Run({"convert", machine, tool.File("m.glb")});
   EXPECT_EQ(failed.status, 2);
   EXPECT_THAT(failed.err, HasSubstr("--no-meshes leaves meshes out"));
+  EXPECT_THAT(failed.err, HasSubstr("alone_1_0.stl is missing; "));
   EXPECT_FALSE(tool.Folder().Has("m.glb"));
   const ToolResult result = tool.Run({"convert", machine, tool.File("m.glb"), "--no-meshes"});
   EXPECT_EQ(result.status, 0);

@@ -109,6 +109,9 @@ TEST(Info, FaultyParentsAreShown) {
   EXPECT_EQ(result.status, 3);
   EXPECT_THAT(result.out, HasSubstr("the parents of some elements form a cycle"));
   EXPECT_THAT(result.out, HasSubstr("parent 77 not found"));
+  EXPECT_EQ(result.out.find("parent 1 not found"), std::string::npos);
+  EXPECT_EQ(result.out.find("parent 2 not found"), std::string::npos);
+  EXPECT_THAT(result.out, HasSubstr(" is part of a cycle"));
   EXPECT_THAT(result.out, HasSubstr("First"));
   EXPECT_THAT(result.out, HasSubstr("Second"));
 }

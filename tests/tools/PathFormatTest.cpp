@@ -46,6 +46,8 @@ TEST(PathFormat, EveryLayoutOfTheSamePointsIsRead) {
       {"byte order mark", "\xEF\xBB\xBFx,y,z,i,j,k\n" + a + "\n" + b + "\n"},
       {"upper case", "X,Y,Z,I,J,K\n" + a + "\n" + b + "\n"},
       {"mixed case and blanks", " X ,\ty, Z,i ,J,k\t\n 10 , 5,2.5\t,0,0,1 \n" + b + "\n"},
+      {"semicolons", "x;y;z;i;j;k\n10;5;2.5;0;0;1\n0;0;0;0;0.5;0.8660254037844386\n"},
+      {"feed and rapid", "x,y,z,i,j,k,F,rapid\n" + a + ",1e3,True\n" + b + ",,\n"},
       {"another order", "k,j,i,z,y,x\n1,0,0,2.5,5,10\n0.8660254037844386,0.5,0,0,0,0\n"},
       {"more columns",
        "line,x,y,z,feed rate,i,j,k,note\n1,10,5,2.5,100,0,0,1,\n2,0,0,0,G1,0,0.5,"
@@ -59,6 +61,43 @@ TEST(PathFormat, EveryLayoutOfTheSamePointsIsRead) {
   };
   for (const Case& c : cases) {
     EXPECT_EQ(RowsOf(c.bytes), ExpectedRows()) << c.name;
+  }
+}
+
+// What one policy reads, the others read too; what one refuses, all refuse at the same place.
+TEST(PathFormat, PoliciesReadTheSameFiles) {
+  const std::string point = "1,2,3,0,0.1,1";
+  struct Case {
+    const char* name;
+    std::string bytes;
+    const char* place;  ///< where it is refused; nothing where it isn't
+  };
+  const Case cases[] = {
+      {"commas", "x,y,z,i,j,k\n" + point + "\n", ""},
+      {"semicolons", "x;y;z;i;j;k\n1;2;3;0;0.1;1\n", ""},
+      {"semicolons and a decimal comma", "x;y;z;i;j;k\n1,5;2;3;0;0.1;1\n", ":2:1: "},
+      {"tabs", "x\ty\tz\ti\tj\tk\n", ":1:1: "},
+      {"feed", "f,x,y,z,i,j,k\n100," + point + "\n", ""},
+      {"a feed that is empty", "feed,x,y,z,i,j,k\n," + point + "\n", ""},
+      {"a feed that is none", "f,x,y,z,i,j,k\nfast," + point + "\n", ":2:1: "},
+      {"a negative feed", "x,y,z,i,j,k,f\n" + point + ",-5\n", ":2:15: "},
+      {"two feeds", "x,y,z,i,j,k,f,feed\n" + point + ",1,1\n", ":1:15: "},
+      {"rapid", "x,y,z,i,j,k,rapid\n" + point + ",FALSE\n" + point + ", 1\n", ""},
+      {"a rapid that is none", "x,y,z,i,j,k,rapid\n" + point + ",maybe\n", ":2:15: "},
+      {"two rapids", "rapid,Rapid,x,y,z,i,j,k\n", ":1:7: "},
+  };
+  const ToolRun tool;
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    const std::string path = tool.Write("path.csv", c.bytes);
+    for (const char* policy : {"machine", "greedy", "optimal"}) {
+      const ToolResult result = tool.Run(
+          {"solve", ExampleMachine("trunnion_ac"), path, "--offset", "0,0,30", "--policy", policy});
+      const bool isRefused = c.place[0] != '\0';
+      EXPECT_EQ(result.status, isRefused ? 2 : 0) << policy << ": " << result.err;
+      EXPECT_EQ(result.err.substr(0, (path + c.place).size()), isRefused ? path + c.place : "")
+          << policy;
+    }
   }
 }
 

@@ -195,6 +195,113 @@ TEST(PointCommands, ForwardTakesAndGivesEveryForm) {
   EXPECT_EQ(Fields(Lines(tool.Folder().Read("frames.csv"))[1]).size(), 15U);
 }
 
+// A file that names no axis holds no position: it is not taken for one with all axes at 0.
+TEST(PointCommands, FilesWithoutAxesAreRefused) {
+  struct Case {
+    const char* file;
+    std::string bytes;
+    std::string what;
+  };
+  const ToolRun tool;
+  for (const Case& c : {
+           Case{"a.csv", "foo\n10\n",
+                ":1:1: no column is named as an axis; the axes are X, Y, Z, A, C\n"},
+           Case{"a.csv", "X\tY\tZ\tA\tC\n1\t2\t3\t4\t5\n", ":1:1: no column is named as an axis"},
+           Case{"a.csv", "\"X\",\"Y\"\n1,2\n", ":1:1: quoted fields are not read"},
+           Case{"a.csv", "X,note\n1,\"a,b\"\n", ":2:3: quoted fields are not read"},
+           Case{"a.csv", "X,rapid\n1,perhaps\n", ":2:3: rapid: 'perhaps' is none of 0, 1"},
+           Case{"a.csv", "# nothing\n\n", ":1:1: the file is empty"},
+           Case{"a.jsonl", "{}\n", ":1:1: no member is named as an axis; the axes are X, Y,"},
+           Case{"a.jsonl", "{\"axes\":{}}\n", ":1:1: no member is named as an axis"},
+           Case{"a.jsonl", "{\"axes\":[1,2,3,4,5]}\n", ":1:2: 'axes' is no object with the axes"},
+           Case{"a.jsonl", "{\"X\":1}\n{\"A\":1, \"a\":2}\n", ":2:9: 'a' is there twice"},
+           Case{"a.jsonl", "{\"A\":1,\"A\":2}\n", ":1:8: the member 'A' is there twice"},
+           Case{"a.jsonl", "{\"A\":1,\"axes\":{\"A\":2}}\n", ":1:16: 'A' is there twice"},
+           Case{"a.jsonl", "{\"A\":1e999}\n", ":1:6: '1e999' is beyond the numbers"},
+           Case{"a.jsonl", "{\"A\":NaN}\n", ":1:6: this is not JSON"},
+           Case{"a.jsonl", "{\"A\":1", ":1:7: this is not JSON; needed is '}'"},
+           Case{"a.jsonl", "{\"A\":null}\n", ":1:2: 'A' is no number"},
+           Case{"a.jsonl", "{\"A\":{\"A\":1}}\n", ":1:2: 'A' is no number"},
+           Case{"a.jsonl", "{\"A\":1,\"rapid\":1}\n", ":1:8: 'rapid' is neither true nor false"},
+           Case{"a.jsonl", "{\"A\":1,\"feed\":\"1\"}\n", ":1:8: 'feed' is no number"},
+           Case{"a.jsonl", "{\"A\":1,\"flags\":[1]}\n", ":1:8: 'flags' is neither a text nor"},
+           Case{"a.jsonl", "3\n", ":1:1: a number is no JSON object"},
+       }) {
+    SCOPED_TRACE(c.bytes);
+    const std::string file = tool.Write(c.file, c.bytes);
+    const ToolResult result = tool.Run({"fk", Trunnion(), file, "--format", "csv"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.err, HasSubstr(file + c.what));
+  }
+  // What is about no axis may hold anything, and be named as it likes within.
+  const std::string file = tool.Write(
+      "a.jsonl",
+      "{\"x\":{\"axes\":[1,{\"A\":2}]},\"flags\":[\"ok\"],\"rapid\":null,\"feed\":null,\"axes\":"
+      "{\"A\":30}}\n");
+  EXPECT_EQ(tool.Run({"fk", Trunnion(), file}).status, 2) << "x names an axis";
+  const std::string good = tool.Write(
+      "b.jsonl",
+      "{\"d\":{\"axes\":[1,{\"A\":2}]},\"flags\":[\"ok\"],\"rapid\":null,\"axes\":{\"A\":30}}\n");
+  const ToolResult result = tool.Run({"fk", Trunnion(), good, "--format", "jsonl"});
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_EQ(json::parse(result.out)["axes"]["A"], 30.0);
+}
+
+// An answer is looked at as well: how near to a singular direction it is, and what the way there
+// from the start takes.
+TEST(PointCommands, AnswerIsExplained) {
+  const ToolRun tool;
+  const auto explain = [&tool](const std::string& direction, const std::string& start) {
+    std::vector<std::string> arguments = {"explain", Trunnion(), "0,0,60",
+                                          direction, "--format", "json"};
+    if (!start.empty()) {
+      arguments.insert(arguments.end(), {"--start", start});
+    }
+    const ToolResult result = tool.Run(arguments);
+    EXPECT_EQ(result.status, 0) << result.err;
+    return json::parse(result.out);
+  };
+  const auto codes = [](const json& report) {
+    std::vector<int> all;
+    for (const json& record : report["diagnoses"]) {
+      all.push_back(record["code"].get<int>());
+    }
+    return all;
+  };
+  const json free = explain("0,0,1", "C=33");
+  EXPECT_EQ(free["singular"]["axis"], "C");
+  EXPECT_EQ(free["singular"]["angleDeg"], 0.0);
+  EXPECT_TRUE(free["singular"]["isFree"].get<bool>());
+  EXPECT_THAT(codes(free), testing::IsEmpty());
+  const json near = explain("0,0.01,1", "");
+  EXPECT_NEAR(near["singular"]["angleDeg"].get<double>(), 0.5729387, 1e-6);
+  EXPECT_TRUE(near["singular"]["isNear"].get<bool>());
+  EXPECT_FALSE(near["singular"]["isFree"].get<bool>());
+  const json far = explain("0,1,1", "C=20");
+  EXPECT_FALSE(far["singular"]["isNear"].get<bool>());
+  EXPECT_THAT(codes(far), testing::IsEmpty());
+  // From C 90 both solutions are as far; from the side of the other one the branch is kept.
+  EXPECT_THAT(codes(explain("0,0.01,1", "A=0.5729,C=80")), testing::ElementsAre(201));
+  EXPECT_THAT(codes(explain("0,0.01,1", "A=-0.5729,C=80")), testing::ElementsAre(202, 201));
+  const json changed = explain("0,1,1", "A=-40,C=10");
+  EXPECT_THAT(codes(changed), testing::ElementsAre(202));
+  EXPECT_EQ(changed["diagnoses"][0]["elements"].size(), 2U);
+  const std::string text =
+      tool.Run({"explain", Trunnion(), "0,0,60", "0,0.01,1", "--start", "A=0.5729,C=80"}).out;
+  EXPECT_THAT(text, HasSubstr("201 near-singular"));
+  EXPECT_THAT(text, HasSubstr("The direction is near singular: 0.572939 degrees from the one that "
+                              "leaves C free.\n"));
+  EXPECT_THAT(tool.Run({"explain", Trunnion(), "0,0,60", "0,0,1"}).out,
+              HasSubstr("The direction is singular: it leaves C free, which keeps the value that"));
+  // A limited C must come back by more than half a turn.
+  const std::string machine =
+      tool.Write("m.xml", tool.Run({"new", "trunnion-ac", "--c", "-10,300", "--a", "-1,100"}).out);
+  const ToolResult unwound =
+      tool.Run({"explain", machine, "0,0,60", "0,-1,1", "--start", "A=40,C=290"});
+  EXPECT_EQ(unwound.status, 0) << unwound.err;
+  EXPECT_THAT(unwound.out, HasSubstr("203 unwinding"));
+}
+
 // The standard input can be the machine as well, but not both.
 TEST(PointCommands, MachineMayComeFromTheStandardInput) {
   const ToolRun tool;
@@ -231,6 +338,8 @@ TEST(PointCommands, HostileArgumentsAreRefused) {
       {{"fk", m, "A=nan"}, "'nan' is not a finite number"},
       {{"fk", m, "A=1e999"}, "is beyond the numbers"},
       {{"fk", m, "A="}, "is not a number"},
+      {{"fk", m, "A=1", "a=2"}, "AXES: A is given twice"},
+      {{"ik", m, "1,2,3", "0,0,1", "--start", "C=1,C=2"}, "--start: C is given twice"},
       {{"fk", m, "A=1", "7"}, "'7' is not NAME=VALUE"},
       {{"fk", m, "1,2"}, "2 values for 5 registers"},
       {{"fk", m, "--element", ""}, "--element: no element has the name or the id ''"},

@@ -143,7 +143,7 @@ TEST(Solve, PolicyDefaultTakesTheNearerRawSolution) {
 // number.
 TEST(Solve, StartIsReadInEveryForm) {
   for (const std::string start :
-       {"1,2,3,0,-90", " c = -90 , x=5", "C=-90.0", "C=-9e1", "C=+1,C=-90"}) {
+       {"1,2,3,0,-90", " c = -90 , x=5", "C=-90.0", "C=-9e1", "C=-90,Z=+1"}) {
     const Solved solved = SolvePoints(ExampleMachine("trunnion_ac"), "10,0,0,0,0,1\n",
                                       {"--offset", "0,0,30", "--start", start});
     ASSERT_EQ(solved.rows.size(), 2U) << start;

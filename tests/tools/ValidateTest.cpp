@@ -218,6 +218,145 @@ TEST(Validate, WhatIsNoMachineFileIsUnreadable) {
   EXPECT_EQ(tool.Run({"validate", tool.Folder().Path().string()}).status, 2);
 }
 
+// All that makes a file not well-formed is told with its place: a warning where the file is read
+// all the same, an error where it isn't. Nothing that the library refuses goes without a place.
+TEST(Validate, WhatIsNotWellFormedHasItsPlace) {
+  struct Case {
+    const char* name;
+    std::string behind;
+    std::string from;
+    std::string to;
+    std::string code;
+    std::string blamed;  ///< the text at the place
+    std::string what;
+    int status;
+  };
+  const std::string y = "<Name>Y</Name>";
+  const std::string system = "<ProgramSystems>";
+  const std::string x = "RegX=\"0\"";
+  const std::string head = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+  const std::string whole = "<Machine";
+  const std::string end = "</Machine>\n";
+  const Case cases[] = {
+      {"a bare ampersand", y, y, "<Name>Y & Z</Name>", "V114", "& Z", "'&' begins no reference", 0},
+      {"a reference without end", y, y, "<Name>&#65</Name>", "V114", "&#65", "no reference", 0},
+      {"an unknown entity", y, y, "<Name>&foo;</Name>", "V114", "&foo;", "'&foo;' is not known", 0},
+      {"a character that is none", y, y, "<Name>a&#0;</Name>", "V114", "&#0;", "no character", 0},
+      {"half a character", y, y, "<Name>&#xD800;</Name>", "V114", "&#xD800;", "no character", 0},
+      {"beyond all characters", y, y, "<Name>&#x110000;</Name>", "V114", "&#x", "no character", 0},
+      {"a reference with letters", y, y, "<Name>&#6a;</Name>", "V114", "&#6a;", "no reference", 0},
+      {"an entity in an attribute", y, y, "<Name a='1&b;'>Y</Name>", "V114", "&b;", "'&b;'", 0},
+      {"a bracket in an attribute", y, y, "<Name a='1<'>Y</Name>", "V114", "<'>", "'<' in the", 0},
+      {"no blank", system, x + " ", x, "V114", "RegY", "no blank before the attribute RegY", 0},
+      {"a control character", y, y, "<Name>Y\x01\x02</Name>", "V114", "\x01", "U+0001", 0},
+      {"no character of Unicode", y, y, "<Name>Y\xEF\xBF\xBE</Name>", "V114", "\xEF", "U+FFFE", 0},
+      {"a form feed as a blank", y, y, "<Name\f>Y</Name>", "V114", "\f", "U+000C", 0},
+      {"the end of CDATA", y, y, "<Name>Y]]></Name>", "V114", "]]>", "']]>' ends no CDATA", 0},
+      {"dashes in a comment", y, y, "<!-- a -- b -->" + y, "V114", "-- b", "'--' within", 0},
+      {"a comment of three dashes", y, y, "<!-- a --->" + y, "V114", "--->", "'--' within", 0},
+      {"a second top element", end, end, end + "<Machine/>", "V114", "<Machine/>", "a second", 0},
+      {"an end tag too many", end, end, end + "</X>", "V114", "</X>", "</X> closes nothing", 0},
+      {"text in front", whole, whole, "text " + whole, "V114", "text", "text outside", 0},
+      {"attributes of an end", y, y, "<Name>Y</Name a='1'>", "V114", "</Name a", "has attr", 0},
+      {"a blank behind a bracket", y, y, "< Name>Y</Name>", "V114", "< Name", "by a blank", 0},
+      {"a DOCTYPE that is not closed", whole, whole, "<!DOCTYPE a [ b>\n" + whole, "V114",
+       "<!DOCTYPE", "not closed as it must be", 0},
+      {"slashes at both ends", "<CollisionCheck", "<CollisionCheck", "</CollisionCheck", "V114",
+       "</Coll", "at both ends", 0},
+      {"a DOCTYPE within", y, y, y + "<!DOCTYPE a>", "V114", "<!DOCTYPE", "must stand once", 0},
+      {"an unknown declaration", y, y, y + "<!WHAT a>", "V114", "<!WHAT", "begins neither", 0},
+      {"a declaration in line 2", head, head, "\n" + head, "V114", "<?xml", "the first thing", 0},
+      {"a declaration without version", head, head, "<?xml encoding='UTF-8'?>\n", "V114", "<?xml",
+       "must begin with the version", 0},
+      {"XML of tomorrow", head, head, "<?xml version='2.0'?>\n", "V114", "<?xml", "'2.0'", 0},
+      {"more than a declaration", head, head, "<?xml version='1.0' a='b'?>\n", "V114", "<?xml",
+       "more than version", 0},
+      {"another encoding", head, head, "<?xml version='1.0' encoding='ISO-8859-1'?>\n", "V113",
+       "<?xml", "the encoding ISO-8859-1 is passed over", 0},
+      {"an attribute twice", system, x, x + " RegX=\"1\"", "V101", "RegX=\"1\"", "is there twice",
+       2},
+      {"a declaration within", y, y, y + head, "V101", "<?xml", "the first thing", 2},
+      {"an instruction within", y, y, y + "<?a b?>", "V901", "<?a", "before all else only", 2},
+      {"an instruction at the end", end, end, end + "<?a?>", "V901", "<?a", "before all else", 2},
+      {"text at the end", end, end, end + "text", "V101", "text", "text outside", 2},
+      {"no quotes", y, y, "<Name a=1>Y</Name>", "V101", "a=1", "not in quotes", 2},
+      {"a DOCTYPE with an inner part that isn't understood", whole, whole,
+       "<!DOCTYPE a [<!ENTITY b '<c>d</c>'>]>\n" + whole, "V901", "<!DOCTYPE", "an inner part", 2},
+  };
+  const ToolRun tool;
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    const std::string text = Replace(Sound(), c.behind, c.from, c.to);
+    const std::size_t place = text.find(c.blamed, text.find(c.to));
+    ASSERT_NE(place, std::string::npos);
+    const std::size_t lineBegin = place == 0 ? 0 : text.rfind('\n', place - 1) + 1;
+    const std::string file = tool.Write("machine.xml", text);
+    const ToolResult result = tool.Run({"validate", "--format", "json", file});
+    EXPECT_EQ(result.status, c.status) << result.out;
+    EXPECT_EQ(tool.Run({"info", file}).status, c.status);
+    bool isFound = false;
+    const json report = json::parse(result.out);
+    for (const json& finding : report["findings"]) {
+      if (finding["code"] != c.code ||
+          finding["text"].get<std::string>().find(c.what) == std::string::npos) {
+        continue;
+      }
+      isFound = true;
+      EXPECT_EQ(finding["line"].get<std::size_t>(),
+                static_cast<std::size_t>(
+                    1 + std::count(text.begin(),
+                                   text.begin() + static_cast<std::ptrdiff_t>(lineBegin), '\n')));
+      EXPECT_EQ(finding["column"].get<std::size_t>(), place - lineBegin + 1);
+    }
+    EXPECT_TRUE(isFound) << result.out;
+  }
+}
+
+// What is well-formed and read is not blamed, whatever it looks like.
+TEST(Validate, WhatIsWellFormedIsNotBlamed) {
+  const ToolRun tool;
+  const std::string head = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+  for (const std::string& begin :
+       {std::string(), std::string("\xEF\xBB\xBF") + head,
+        std::string("<?xml version = '1.1' encoding = 'utf-8' standalone='yes' ?>\n"),
+        head + "<?style a='<'?>\n<!-- a - b -->\n", head + "<!DOCTYPE Machine>\n",
+        head + "<!DOCTYPE Machine PUBLIC '-//a' \"b\">\n",
+        head + "<!DOCTYPE a [<!ENTITY b \"b\"><!ENTITY c \"&b;\">\n<!-- ]> -->\n]>\n"}) {
+    const std::string file = tool.Write("machine.xml", begin + Sound().substr(head.size()));
+    EXPECT_EQ(tool.Run({"validate", file}).out, file + ": nothing is wrong\n") << begin;
+  }
+  for (const char* name : {"&lt;&gt;&amp;&quot;&apos;", "&#65;&#x42;&#x10FFFF;", "<![CDATA[& < ]]>",
+                           "Y > Z", "\x7F", "\xC3\xA9"}) {
+    const std::string file = tool.Write("machine.xml", Replace(Sound(), "<Name>Y", "Y", name));
+    EXPECT_EQ(tool.Run({"validate", file}).out, file + ": nothing is wrong\n") << name;
+  }
+}
+
+// A file that ends too early is told to end there.
+TEST(Validate, CutFilesAreToldToEnd) {
+  const ToolRun tool;
+  const std::string& sound = Sound();
+  const std::size_t begin = sound.find("RegZ=\"2");
+  struct Case {
+    std::size_t size;
+    const char* what;
+  };
+  for (const Case& c :
+       {Case{begin + 7, "the file ends within the value of the attribute RegZ"},
+        Case{begin + 5, "the file ends within the attribute RegZ"},
+        Case{begin + 3, "the file ends within the attribute Reg"},
+        Case{begin, "the file ends within the tag <MainLinear>"},
+        Case{sound.rfind("</Machine") + 2, "the file ends within an end tag"},
+        Case{sound.rfind("</Machine") + 9, "ends within the end tag </Machine>"},
+        Case{sound.rfind("</Machine") + 1, "the file ends behind '<'"},
+        Case{sound.rfind("</Machine"), "is not closed before the end of the file"}}) {
+    const ToolResult result =
+        tool.Run({"validate", tool.Write("machine.xml", sound.substr(0, c.size))});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.out, HasSubstr(c.what));
+  }
+}
+
 // All that is wrong is told at once, in the order of the file, a line each in JSON Lines.
 TEST(Validate, AllIsToldAtOnce) {
   const ToolRun tool;
@@ -479,7 +618,7 @@ TEST(Validate, HostileFilesEnd) {
         Case{"no end of depth", deep, 2, "nested more than 100 deep"},
         Case{"a reference without end", head + "&#x;&;" + tail, 3, "three are needed"},
         Case{"names that steer a terminal", Replace(sound, "<Name>X", "<Name>X", "<Name>\x1b[2J"),
-             0, "nothing is wrong"}}) {
+             0, "the character U+001B"}}) {
     const std::string file = tool.Write("machine.xml", c.text);
     const ToolResult result = tool.Run({"validate", file});
     EXPECT_EQ(result.status, c.status) << c.name;

@@ -224,6 +224,12 @@ TEST(Vectors, WrongUseIsStatusOne) {
            Case{{"vectors", "write", Trunnion, "-o", "-", "--count", "0"}, "--count"},
            Case{{"vectors", "verify", Trunnion}, "FILE is needed to verify"},
            Case{{"vectors", "verify", Trunnion, "v.txt", "-o", "x"}, "--output is for writing"},
+           Case{{"vectors", "verify", Trunnion, "v.txt", "--seed", "2"}, "--seed is for writing"},
+           Case{{"vectors", "verify", Trunnion, "v.txt", "--count", "2"}, "--count is for writing"},
+           Case{{"vectors", "verify", Trunnion, "v.txt", "--offset", "0,0,1"},
+                "--offset is for writing"},
+           Case{{"vectors", "write", Trunnion, "-o", "-", "--tolerance", "0"},
+                "--tolerance is for verifying"},
            Case{{"vectors", "verify", "-", "-"}, "can be read only once"},
        }) {
     const ToolResult result = tool.Run(c.arguments);
@@ -232,6 +238,8 @@ TEST(Vectors, WrongUseIsStatusOne) {
     EXPECT_THAT(result.err, HasSubstr(c.what));
   }
   EXPECT_EQ(tool.Run({"vectors", "write", Trunnion, "-o", tool.File("none/v.txt")}).status, 2);
+  const std::string empty = tool.Write("empty.txt", "");
+  EXPECT_THAT(tool.Run({"vectors", "verify", Trunnion, empty}).err, HasSubstr(empty + ":1:1: "));
 }
 
 }  // namespace

@@ -6,15 +6,11 @@
 
 #include <Orvo/Kin/Register.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <string_view>
 
 namespace OrvoTool {
 namespace {
-
-/// How many names a message lists.
-constexpr int MaxListed = 40;
 
 std::vector<std::string_view> SplitAtCommas(std::string_view text) {
   std::vector<std::string_view> parts;
@@ -26,14 +22,6 @@ std::vector<std::string_view> SplitAtCommas(std::string_view text) {
     }
     text.remove_prefix(comma + 1);
   }
-}
-
-std::string ListNames(const AxisNames& names) {
-  std::string known;
-  for (int r = 0; r < std::min(names.GetCount(), MaxListed); ++r) {
-    known += (r == 0 ? "" : ", ") + names.GetName(r);
-  }
-  return known;
 }
 
 }  // namespace
@@ -48,6 +36,7 @@ AxisAssignments ReadAxisAssignments(const std::string& option, const std::string
                        " registers; give all of them, or some as NAME=VALUE");
   }
   AxisAssignments assignments;
+  std::vector<bool> isGiven(static_cast<std::size_t>(names.GetCount()));
   int reg = 0;
   for (const std::string_view part : parts) {
     std::string_view number = part;
@@ -56,7 +45,7 @@ AxisAssignments ReadAxisAssignments(const std::string& option, const std::string
       reg = names.Find(Trim(part.substr(0, equals)));
       if (equals == std::string_view::npos || reg < 0) {
         throw UsageFailure(option + ": '" + Printable(part) + "' is not NAME=VALUE with one of " +
-                           ListNames(names));
+                           names.List());
       }
       number = Trim(part.substr(equals + 1));
     }
@@ -65,6 +54,10 @@ AxisAssignments ReadAxisAssignments(const std::string& option, const std::string
     if (fault != NumberFault::None) {
       throw UsageFailure(option + ": '" + Printable(number) + "' " + DescribeFault(fault));
     }
+    if (isGiven[static_cast<std::size_t>(reg)]) {
+      throw UsageFailure(option + ": " + names.GetName(reg) + " is given twice");
+    }
+    isGiven[static_cast<std::size_t>(reg)] = true;
     assignments.emplace_back(reg, value);
     ++reg;
   }

@@ -49,7 +49,7 @@ std::string AtLine(std::uint64_t line) { return " (line " + std::to_string(line)
 std::string CountText(const Tally& tally, int decimals) {
   return tally.count == 0 ? "-"
                           : std::to_string(tally.count) + ", by " +
-                                FixedNumber(tally.worst, decimals) + AtLine(tally.worstLine);
+                                TableNumber(tally.worst, decimals) + AtLine(tally.worstLine);
 }
 
 JsonValue JsonOf(const Tally& tally) {
@@ -312,15 +312,16 @@ std::string AxisCheck::GetText(bool hasPath) const {
                                   : std::to_string(axis.tooFast.count) + ", up to " +
                                         ShortNumber(axis.tooFast.worst, 6) +
                                         AtLine(axis.tooFast.worstLine);
-    table.AddRow({axis.name, rowNb_ > 0 ? FixedNumber(axis.smallest, 3) : "-",
-                  rowNb_ > 0 ? FixedNumber(axis.largest, 3) : "-",
+    table.AddRow({axis.name, rowNb_ > 0 ? TableNumber(axis.smallest, 3) : "-",
+                  rowNb_ > 0 ? TableNumber(axis.largest, 3) : "-",
                   axis.isChecked ? ShortNumber(axis.min, 9) + " .. " + ShortNumber(axis.max, 9)
                                  : "not checked",
                   CountText(axis.outOfRange, 6), speed, CountText(axis.jump, 3)});
   }
   std::string text = counts.GetText() + "\n" + table.GetText() + "\n";
   if (!limits_.speeds.empty()) {
-    text += "  Speeds are known of " + std::to_string(timedNb_) + " moves.\n";
+    text += LacksTimes() ? "  No move has a time: give --feed, or a column inverse_time or feed.\n"
+                         : "  Speeds are known of " + std::to_string(timedNb_) + " moves.\n";
   }
   if (hasPath) {
     text += "  By forward kinematics the tip is off the path by at most " +

@@ -78,6 +78,9 @@ class AxisCheck {
 
   std::uint64_t GetRowNb() const { return rowNb_; }
 
+  /// Tells whether there are moves and speeds to hold them against, but no move has a time.
+  bool LacksTimes() const { return !limits_.speeds.empty() && rowNb_ > 1 && timedNb_ == 0; }
+
   /// Returns what was found, for people and for programs.
   std::string GetText(bool hasPath) const;
   JsonValue GetJson(bool hasPath) const;

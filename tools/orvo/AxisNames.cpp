@@ -7,6 +7,7 @@
 #include <Orvo/Kin/Kinematic.h>
 #include <Orvo/Kin/Register.h>
 
+#include <algorithm>
 #include <charconv>
 #include <system_error>
 #include <utility>
@@ -22,6 +23,9 @@ constexpr std::string_view ReservedWords[] = {"solutions",      "flags",        
                                               "inverse_time",   "feed",          "rapid",
                                               "point",          "axes",          "solved",
                                               "cost",           "diagnoses"};
+
+/// How many names a message lists.
+constexpr int MaxListed = 40;
 
 std::string Lower(std::string_view text) {
   std::string lower(text);
@@ -90,6 +94,14 @@ int AxisNames::FindNumbered(std::string_view lower) const {
   const auto [end, error] = std::from_chars(lower.data() + 1, last, reg);
   const bool isNumber = error == std::errc() && end == last && reg >= 0 && reg < count_;
   return isNumber && names_.count(reg) == 0 ? reg : -1;
+}
+
+std::string AxisNames::List() const {
+  std::string list;
+  for (int r = 0; r < std::min(GetCount(), MaxListed); ++r) {
+    list += (r == 0 ? "" : ", ") + GetName(r);
+  }
+  return list + (GetCount() > MaxListed ? ", ..." : "");
 }
 
 }  // namespace OrvoTool

@@ -30,6 +30,9 @@ class AxisNames {
   /// Returns the register of a name, in whatever case, or -1.
   int Find(std::string_view name) const;
 
+  /// Returns the names for a message, separated by commas; of many only the first ones.
+  std::string List() const;
+
  private:
   int FindNumbered(std::string_view lower) const;
 

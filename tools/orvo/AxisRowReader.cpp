@@ -1,10 +1,8 @@
 #include "AxisRowReader.h"
 
-#include "Failure.h"
+#include "JsonMembers.h"
 #include "NumberText.h"
 #include "WideText.h"
-
-#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <utility>
@@ -70,6 +68,10 @@ bool AxisRowReader::NextContent() {
     const std::string_view line = lines_.GetLine();
     content_ = isJson_ ? line : line.substr(0, line.find('#'));
     if (!Trim(content_).empty()) {
+      const std::size_t quote = isJson_ ? std::string_view::npos : content_.find('"');
+      if (quote != std::string_view::npos) {
+        lines_.Blame(quote, "quoted fields are not read; write the plain value");
+      }
       return true;
     }
   }
@@ -77,6 +79,10 @@ bool AxisRowReader::NextContent() {
 }
 
 void AxisRowReader::RequireAll(const std::vector<bool>& isThere, std::size_t offset) const {
+  if (std::find(isThere.begin(), isThere.end(), true) == isThere.end()) {
+    lines_.Blame(offset, std::string("no ") + (isJson_ ? "member" : "column") +
+                             " is named as an axis; the axes are " + names_.List());
+  }
   std::string missing;
   for (const int reg : needed_) {
     if (!isThere[static_cast<std::size_t>(reg)]) {
@@ -85,14 +91,13 @@ void AxisRowReader::RequireAll(const std::vector<bool>& isThere, std::size_t off
   }
   if (!missing.empty()) {
     lines_.Blame(offset, "there is no value for " + missing +
-                             ", which the program system moves; the registers are " +
-                             names_.GetName(0) + " to " + names_.GetName(names_.GetCount() - 1));
+                             ", which the program system moves; the axes are " + names_.List());
   }
 }
 
 void AxisRowReader::ReadHeader() {
   if (!NextContent()) {
-    lines_.Blame(0, "the file is empty; its first line must name the axes");
+    lines_.BlameBegin("the file is empty; its first line must name the axes");
   }
   separator_ = content_.find(';') != std::string_view::npos ? ';' : ',';
   std::vector<bool> isThere(start_.size());
@@ -123,7 +128,8 @@ void AxisRowReader::TakeNumber(int column, double value, std::size_t offset, Axi
   }
 }
 
-void AxisRowReader::TakeText(int column, std::string_view text, std::size_t offset, AxisRow* row) {
+void AxisRowReader::TakeText(int column, std::string_view text, std::size_t offset,
+                             AxisRow* row) const {
   if (column == Ignored) {
     return;
   }
@@ -134,6 +140,9 @@ void AxisRowReader::TakeText(int column, std::string_view text, std::size_t offs
   if (column == Rapid) {
     const std::string word = Lower(text);
     row->isRapid = word == "1" || word == "true";
+    if (!row->isRapid && !word.empty() && word != "0" && word != "false") {
+      lines_.Blame(offset, "rapid: " + Quote(text) + " is none of 0, 1, true, false or nothing");
+    }
     return;
   }
   if (column < 0 && text.empty()) {
@@ -168,39 +177,51 @@ bool AxisRowReader::NextCsv(AxisRow* row) {
   return true;
 }
 
-bool AxisRowReader::NextJson(AxisRow* row) {
-  const nlohmann::json object = nlohmann::json::parse(content_, nullptr, false);
-  if (!object.is_object()) {
-    lines_.Blame(0, Quote(content_) + " is no JSON object");
-  }
-  std::vector<bool> isThere(start_.size());
-  const auto take = [&](const nlohmann::json& members, bool isAxes) {
-    for (const auto& member : members.items()) {
-      const int column = FindColumn(names_, member.key());
-      const nlohmann::json& value = member.value();
-      if (column == Flags && value.is_array()) {
-        row->isInserted =
-            std::find(value.begin(), value.end(), nlohmann::json("inserted")) != value.end();
-      } else if (column == Rapid && value.is_boolean()) {
-        row->isRapid = value.get<bool>();
-      } else if (value.is_number() && column != Ignored && column != Flags && column != Rapid) {
-        TakeNumber(column, value.get<double>(), 0, row);
-        if (column >= 0) {
-          isThere[static_cast<std::size_t>(column)] = true;
-        }
-      } else if (isAxes || column >= 0) {
-        lines_.Blame(0, Quote(member.key()) + (column >= 0 ? " is no number" : " names no axis"));
-      }
-    }
+void AxisRowReader::TakeMember(const JsonMember& member, AxisRow* row,
+                               std::vector<bool>* isThere) const {
+  using Kind = JsonMember::Kind;
+  const int column = FindColumn(names_, member.name);
+  const auto blame = [&](const char* what) {
+    lines_.Blame(member.offset, Quote(member.name) + what);
   };
-  const auto axes = object.find("axes");
-  if (axes != object.end() && axes->is_object()) {
-    take(*axes, true);
-    nlohmann::json others = object;
-    others.erase("axes");
-    take(others, false);
-  } else {
-    take(object, false);
+  if (column >= 0 || (member.isNested && column == Ignored)) {
+    if (column < 0) {
+      blame(" names no axis");
+    }
+    const auto reg = static_cast<std::size_t>(column);
+    if (member.kind != Kind::Number) {
+      blame(" is no number");
+    }
+    if ((*isThere)[reg]) {
+      blame(" is there twice");
+    }
+    (*isThere)[reg] = true;
+  }
+  if (column == Flags) {
+    if (member.kind != Kind::Texts && member.kind != Kind::Text) {
+      blame(" is neither a text nor an array of texts");
+    }
+    row->isInserted =
+        std::any_of(member.texts.begin(), member.texts.end(),
+                    [](const std::string& text) { return HasWord(text, "inserted"); });
+  } else if (column == Rapid) {
+    if (member.kind != Kind::Truth && member.kind != Kind::Null) {
+      blame(" is neither true nor false");
+    }
+    row->isRapid = member.isTrue;
+  } else if (column != Ignored && member.kind == Kind::Number) {
+    TakeNumber(column, member.number, member.offset, row);
+  } else if (column != Ignored && member.kind != Kind::Null) {
+    blame(" is no number");
+  } else if (member.name == "axes" && !member.isNested) {
+    blame(" is no object with the axes as members");
+  }
+}
+
+bool AxisRowReader::NextJson(AxisRow* row) {
+  std::vector<bool> isThere(start_.size());
+  for (const JsonMember& member : ReadJsonMembers(lines_, "axes")) {
+    TakeMember(member, row, &isThere);
   }
   RequireAll(isThere, 0);
   return true;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "AxisNames.h"
+#include "JsonMembers.h"
 #include "TextLines.h"
 
 #include <cstddef>
@@ -27,7 +28,7 @@ struct AxisRow {
 /// or semicolons, in any order and in either case. Axes have the names that AxisNames gives them;
 /// inverse_time, feed (or f), rapid and flags are known too; others are ignored. JSON Lines: an
 /// object a line, with the axes in a member "axes" or beside the others. Registers that a row
-/// doesn't name keep their value of the start.
+/// doesn't name keep their value of the start; one at least must be named.
 class AxisRowReader {
  public:
   /// @param name    the file's name in UTF-8; "-" for the standard input
@@ -53,7 +54,8 @@ class AxisRowReader {
   void ReadHeader();
   bool NextCsv(AxisRow* row);
   bool NextJson(AxisRow* row);
-  void TakeText(int column, std::string_view text, std::size_t offset, AxisRow* row);
+  void TakeText(int column, std::string_view text, std::size_t offset, AxisRow* row) const;
+  void TakeMember(const JsonMember& member, AxisRow* row, std::vector<bool>* isThere) const;
   void TakeNumber(int column, double value, std::size_t offset, AxisRow* row) const;
   void RequireAll(const std::vector<bool>& isThere, std::size_t offset) const;
 

@@ -8,6 +8,7 @@
 #include "Failure.h"
 #include "JsonText.h"
 #include "MachineFile.h"
+#include "NumberOption.h"
 #include "NumberText.h"
 #include "OutputFormat.h"
 #include "PathInput.h"
@@ -223,7 +224,8 @@ ExitCode RunCheck(const CheckOptions& options) {
                  (isGood     ? style.Good("good")
                   : isMissed ? style.Bad("misses the path")
                              : style.Bad("exceeds ranges or speeds")) +
-                 "\n\n" + check->GetText(targets.IsThere()) +
+                 (check->LacksTimes() ? ", but no speed could be checked" : "") + "\n\n" +
+                 check->GetText(targets.IsThere()) +
                  (mismatch.empty() ? "" : "  There are " + mismatch + ".\n"));
   } else {
     JsonValue json;
@@ -278,30 +280,30 @@ CommandAction AddCheckCommand(CLI::App* command) {
       ->add_option("--tolerance", limits.tipTolerance,
                    "how far the tip may be off the path; 0.001 if not given")
       ->type_name("LENGTH")
-      ->check(Unnamed(CLI::NonNegativeNumber));
+      ->check(NumberFrom("a length", 0.0));
   command
       ->add_option("--angle-tolerance", limits.angleToleranceDeg,
                    "how far the direction may be off, in degrees; 0.001 if not given")
       ->type_name("DEG")
-      ->check(Unnamed(CLI::NonNegativeNumber));
+      ->check(NumberFrom("an angle", 0.0));
   command
       ->add_option("--range-tolerance", limits.rangeTolerance,
                    "how far an axis may be beyond a limit, as rounding may put it; 0.000001 if not "
                    "given")
       ->type_name("T")
-      ->check(Unnamed(CLI::NonNegativeNumber));
+      ->check(NumberFrom("a number", 0.0));
   command
       ->add_option("--speed", options->speeds,
                    "the most that axes may move, in units of length or degrees a second")
       ->type_name("NAME=V,...");
   command->add_option("--feed", limits.feed, "the feed of moves for which the files give none")
       ->type_name("FEED")
-      ->check(Unnamed(CLI::PositiveNumber));
+      ->check(NumberAbove("a feed", 0.0));
   command
       ->add_option("--singular", limits.singularDeg,
                    "how near to a singular direction is near, in degrees; 2 if not given")
       ->type_name("DEG")
-      ->check(Unnamed(CLI::NonNegativeNumber));
+      ->check(NumberFrom("an angle", 0.0));
   AddOutputOptions(command, &options->output,
                    {OutputFormat::Text, OutputFormat::Json, OutputFormat::JsonLines});
   return [options]() { return RunCheck(*options); };

@@ -8,12 +8,6 @@
 
 namespace OrvoTool {
 
-/// Returns a check that help doesn't name: descriptions say what is allowed.
-inline CLI::Validator Unnamed(CLI::Validator check) {
-  check.description("");
-  return check;
-}
-
 /// Adds an option that takes one of some words, each of which stands for a value.
 ///
 /// Help, completion and the message about any other word list the words.

@@ -1,6 +1,7 @@
 #include "ExplainCommand.h"
 
 #include "MachineJson.h"
+#include "NumberText.h"
 #include "OutputFormat.h"
 #include "PointChoice.h"
 #include "PointRequest.h"
@@ -20,8 +21,10 @@ const char Description[] =
     R"(Says why a point can't be reached along a direction, and by how much: the angle
 that is missing and the nearest direction that can be reached, each axis that
 would leave its range and how far, the shift of the workpiece that would bring
-the point in; or what to know of the answer that there is. Each record comes as
-a code, a sentence and its numbers.)";
+the point in; or what to know of the answer that there is: how near to a
+singular direction it is, and, with --start, whether the way there from the
+start goes over to the other rotary solution, unwinds an axis, or turns one far.
+Each record comes as a code, a sentence and its numbers.)";
 
 const char Footer[] =
     R"(Lengths are in the machine's unit, angles in degrees. Codes from 100 on: there
@@ -39,8 +42,11 @@ Exit status:
 
 Examples:
   orvo explain machine.xml 10,20,30 0,1,0
+  orvo explain machine.xml 10,20,30 0,0.001,1 --start C=177
   orvo explain machine.xml 900,0,0 0,0,1 --offset 0,0,75 --format json
 )";
+
+constexpr double DegPerRad = 57.29577951308232;
 
 struct ExplainOptions {
   RequestOptions request;
@@ -50,7 +56,34 @@ struct ExplainOptions {
 std::vector<Orvo::Path::Diagnosis> RecordsOf(const PointChoice& choice) {
   std::vector<Orvo::Path::Diagnosis> records = choice.systemFindings;
   records.insert(records.end(), choice.chosen.diagnoses.begin(), choice.chosen.diagnoses.end());
+  records.insert(records.end(), choice.moveFindings.begin(), choice.moveFindings.end());
   return records;
+}
+
+std::string FreeAxisName(const PointRequest& request, const PointChoice& choice) {
+  const auto place = static_cast<std::size_t>(choice.freePlace);
+  return request.GetNames().GetName(choice.axes.axes[place].reg.GetVal());
+}
+
+std::string SingularText(const PointRequest& request, const PointChoice& choice) {
+  if (!choice.IsNearSingular()) {
+    return "";
+  }
+  const std::string axis = FreeAxisName(request, choice);
+  return choice.IsSingular()
+             ? "\nThe direction is singular: it leaves " + axis + " free" +
+                   (choice.chosen.isSolved ? ", which keeps the value that it has.\n" : ".\n")
+             : "\nThe direction is near singular: " +
+                   ShortNumber(choice.singularAngle * DegPerRad, 6) +
+                   " degrees from the one that leaves " + axis + " free.\n";
+}
+
+JsonValue SingularJson(const PointRequest& request, const PointChoice& choice) {
+  return choice.freePlace < 0 ? JsonValue()
+                              : JsonValue{{"angleDeg", choice.singularAngle * DegPerRad},
+                                          {"axis", FreeAxisName(request, choice)},
+                                          {"isFree", choice.IsSingular()},
+                                          {"isNear", choice.IsNearSingular()}};
 }
 
 std::string MakeText(const PointRequest& request, const PointChoice& choice,
@@ -67,6 +100,7 @@ std::string MakeText(const PointRequest& request, const PointChoice& choice,
   for (const Orvo::Path::Diagnosis& record : RecordsOf(choice)) {
     text += "\n" + DiagnosisText(record);
   }
+  text += SingularText(request, choice);
   if (choice.hasShift) {
     text += "\nA shift of the workpiece by " + VectorText(choice.shift) +
             " in the frame of the table would bring the point in.\n";
@@ -93,6 +127,7 @@ ExitCode RunExplain(const ExplainOptions& options) {
       records.push_back(DiagnosisJson(record));
     }
     json["diagnoses"] = records;
+    json["singular"] = SingularJson(request, choice);
     json["shift"] = choice.hasShift ? VectorJson(choice.shift) : JsonValue();
     WriteStandardOutput(JsonDocument(json));
   }

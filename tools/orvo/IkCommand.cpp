@@ -57,9 +57,6 @@ Examples:
   orvo ik machine.xml 10,20,30 0,0,1 --start C=90 --format json
 )";
 
-/// Directions nearer to the singular one than this, in radians, leave an axis free.
-constexpr double FreeAngle = 1e-9;
-
 constexpr double DegPerRad = 57.29577951308232;
 
 struct IkOptions {
@@ -124,7 +121,7 @@ std::string ExplainChoice(const PointRequest& request, const PointChoice& choice
     const Orvo::Path::Diagnosis* failure = choice.FindFailure();
     return failure != nullptr ? Printable(failure->MakeText()) : "there is no answer";
   }
-  if (choice.chosenSolution < 0 || (choice.freePlace >= 0 && choice.singularAngle < FreeAngle)) {
+  if (choice.chosenSolution < 0 || choice.IsSingular()) {
     const std::string name =
         choice.freePlace >= 0
             ? request.GetNames().GetName(

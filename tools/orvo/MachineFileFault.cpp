@@ -338,11 +338,14 @@ std::optional<MachineFileFault> FindMachineFileFault(const std::string& name) {
     return std::nullopt;
   }
   const XmlOutline outline(text);
-  if (!outline.IsWellFormed()) {
-    const TextPlace& place = outline.GetFaultPlace();
-    return MachineFileFault{place.line, place.column, outline.GetFault()};
+  const auto tell = [](const XmlFault& fault) {
+    return MachineFileFault{fault.place.line, fault.place.column, fault.what};
+  };
+  if (outline.GetFault() != nullptr) {
+    return tell(*outline.GetFault());
   }
-  return MachineFileCheck(outline).Run();
+  const std::optional<MachineFileFault> fault = MachineFileCheck(outline).Run();
+  return fault || outline.GetSuspect() == nullptr ? fault : tell(*outline.GetSuspect());
 }
 
 }  // namespace OrvoTool

@@ -26,6 +26,7 @@ constexpr CodeEntry Codes[] = {
     {FindingCode::LinkIncomplete, "link-incomplete", Severity::Error},
     {FindingCode::NotFinite, "not-finite", Severity::Error},
     {FindingCode::NotUtf8, "not-utf8", Severity::Warning},
+    {FindingCode::LooseXml, "loose-xml", Severity::Warning},
     {FindingCode::DuplicateId, "duplicate-id", Severity::Error},
     {FindingCode::NoId, "no-id", Severity::Error},
     {FindingCode::DuplicateRegister, "duplicate-register", Severity::Error},

@@ -26,6 +26,7 @@ enum class FindingCode : int {
   LinkIncomplete = 111,
   NotFinite = 112,
   NotUtf8 = 113,
+  LooseXml = 114,
 
   DuplicateId = 201,
   NoId = 202,

@@ -104,7 +104,7 @@ std::string LinkText(const Entity& entity) {
   }
 }
 
-std::string NotesOf(const Entity& entity) {
+std::string NotesOf(const Machine& machine, const Entity& entity) {
   std::string notes;
   const auto add = [&notes](const std::string& note) {
     notes += (notes.empty() ? "" : ", ") + note;
@@ -122,8 +122,12 @@ std::string NotesOf(const Entity& entity) {
   if (IsMoving(entity) && !entity.GetIsMotor()) {
     add("not driven");
   }
-  if (entity.GetParentEntityId().IsDefined() && entity.GetParentEntity() == nullptr) {
-    add("parent " + std::to_string(entity.GetParentEntityId().GetVal()) + " not found");
+  const Orvo::Kin::EntityId& parent = entity.GetParentEntityId();
+  if (parent.IsDefined() && entity.GetParentEntity() == nullptr) {
+    // Parents in a cycle are left out of the tree, though they are there.
+    const bool isThere = machine.GetKinematic().GetEntity(parent) != nullptr;
+    add("parent " + std::to_string(parent.GetVal()) +
+        (isThere ? " is part of a cycle" : " not found"));
   }
   return notes;
 }
@@ -211,7 +215,7 @@ std::string DescribeElements(const Machine& machine) {
     table.AddRow({DrawBranch(level, branch.isLast, isLastAbove) + NameOf(entity),
                   std::to_string(entity.GetEntityId().GetVal()), KindOf(entity),
                   entity.GetRegister().IsDefined() ? std::to_string(reg) : "-", RangeOf(entity),
-                  LinkText(entity), NotesOf(entity)});
+                  LinkText(entity), NotesOf(machine, entity)});
     pushChildren(&entity);
   }
   return table.GetText();

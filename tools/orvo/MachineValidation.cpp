@@ -76,7 +76,20 @@ std::string ReadBytes(const std::string& name) {
   return bytes;
 }
 
-void CheckEncoding(const std::string& bytes, MachineFindings* findings) {
+/// Tells whether two names of encodings are the same.
+bool IsSameEncoding(std::string_view a, std::string_view b) {
+  const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c; };
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [lower](char x, char y) { return lower(x) == lower(y); });
+}
+
+void CheckEncoding(const std::string& bytes, const XmlFault& declared, MachineFindings* findings) {
+  if (!declared.what.empty() && !IsSameEncoding(declared.what, "UTF-8") &&
+      !IsSameEncoding(declared.what, "US-ASCII")) {
+    findings->Add(FindingCode::NotUtf8, declared.place,
+                  "the encoding " + Printable(declared.what.substr(0, 40)) +
+                      " is passed over: the file is read as UTF-8");
+  }
   const auto bad = utf8::find_invalid(bytes.begin(), bytes.end());
   if (bad == bytes.end()) {
     return;
@@ -131,8 +144,14 @@ void PrepareProgramSystems(const Orvo::Kin::Machine& machine, MachineFindings* f
   }
 }
 
+/// Returns a message without the name of the file in front of it.
+std::string WithoutName(const std::string& message, const std::string& shownName) {
+  const std::string begin = shownName + ": ";
+  return message.compare(0, begin.size(), begin) == 0 ? message.substr(begin.size()) : message;
+}
+
 /// Has the library read the file, and tells what it refuses although nothing was found.
-void CheckByLibrary(const std::string& name, const std::string& bytes,
+void CheckByLibrary(const std::string& name, const std::string& bytes, const XmlFault* suspect,
                     MachineValidation* validation) {
   MachineFindings* findings = &validation->findings;
   Orvo::Kin::Machine machine;
@@ -141,7 +160,9 @@ void CheckByLibrary(const std::string& name, const std::string& bytes,
     ReadMachineBytes(name, bytes, &machine);
   } catch (const Failure& failure) {
     if (!hadErrors) {
-      findings->Add(FindingCode::NotReadByLibrary, Whole, failure.what());
+      findings->Add(FindingCode::NotReadByLibrary, suspect != nullptr ? suspect->place : Whole,
+                    suspect != nullptr ? "the library does not read the file; " + suspect->what
+                                       : WithoutName(failure.what(), ShownInput(name)));
       validation->refusal = failure.what();
     }
     return;
@@ -220,11 +241,17 @@ MachineValidation ValidateMachineFile(const std::string& name) {
   }
   const std::string bytes = ReadBytes(name);
   const XmlOutline outline(bytes);
-  if (!outline.IsWellFormed()) {
-    findings->Add(FindingCode::NotWellFormed, outline.GetFaultPlace(), outline.GetFault());
+  for (const XmlFault& blemish : outline.GetBlemishes()) {
+    findings->Add(FindingCode::LooseXml, blemish.place, blemish.what);
+  }
+  if (const XmlFault* const fault = outline.GetFault()) {
+    findings->Add(
+        outline.IsFaultOfReaderOnly() ? FindingCode::NotReadByLibrary : FindingCode::NotWellFormed,
+        fault->place, fault->what);
+    findings->Sort();
     return validation;
   }
-  CheckEncoding(bytes, findings);
+  CheckEncoding(bytes, outline.GetEncoding(), findings);
   const std::optional<FileMachine> machine = ReadFileMachine(outline, findings);
   if (!machine) {
     return validation;
@@ -235,7 +262,7 @@ MachineValidation ValidateMachineFile(const std::string& name) {
     CheckMeshFiles(name, *machine, findings);
   }
   validation.isMachineFile = true;
-  CheckByLibrary(name, bytes, &validation);
+  CheckByLibrary(name, bytes, outline.GetSuspect(), &validation);
   findings->Sort();
   return validation;
 }

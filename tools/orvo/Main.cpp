@@ -59,6 +59,33 @@ void Complain(const char* message) {
   std::fflush(stderr);
 }
 
+/// Says in plain words what is wrong with a command line.
+std::string Describe(const CLI::App& app, const CLI::ParseError& error) {
+  const std::string what = error.what();
+  constexpr std::string_view tooMany = ": At Most 1 required but received ";
+  constexpr std::string_view tooFew = ": 1 required ";
+  constexpr std::string_view missing = " missing";
+  if (const std::size_t found = what.find(tooMany); found != std::string::npos) {
+    return what.substr(0, found) + " is given more than once";
+  }
+  if (const std::size_t found = what.find(tooFew);
+      found != std::string::npos && what.size() > missing.size() &&
+      what.compare(what.size() - missing.size(), missing.size(), missing) == 0) {
+    const std::size_t begin = found + tooFew.size();
+    return what.substr(0, found) +
+           " needs a value: " + what.substr(begin, what.size() - missing.size() - begin);
+  }
+  const bool isExtra = dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr;
+  const std::vector<std::string> extras =
+      isExtra ? app.remaining(true) : std::vector<std::string>();
+  for (const std::string& extra : extras) {
+    if (extra.size() > 1 && extra[0] == '-') {
+      return "there is no option '" + extra + "'";
+    }
+  }
+  return extras.empty() ? what : "'" + extras[0] + "' is one argument too many";
+}
+
 /// Answers what is not to be run: help and version to the standard output, a wrong command line to
 /// the error stream.
 ExitCode Answer(const CLI::App& app, const CLI::ParseError& error) {
@@ -69,7 +96,7 @@ ExitCode Answer(const CLI::App& app, const CLI::ParseError& error) {
     return ExitCode::Success;
   }
   std::string command = "orvo";
-  std::string what = OrvoTool::Printable(error.what());
+  std::string what = OrvoTool::Printable(Describe(app, error));
   if (!app.get_subcommands().empty()) {
     command += " " + app.get_subcommands()[0]->get_name();
   } else if (const std::vector<std::string> unknown = app.remaining();

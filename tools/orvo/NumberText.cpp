@@ -87,6 +87,11 @@ std::string FixedNumber(double value, int decimals) {
   return written;
 }
 
+std::string TableNumber(double value, int decimals) {
+  constexpr double Large = 1e9;
+  return std::abs(value) < Large ? FixedNumber(value, decimals) : ShortNumber(value, 12);
+}
+
 std::string ExactNumber(double value) {
   char text[FixedCapacity];
   const auto result = std::to_chars(text, text + FixedCapacity, value);

@@ -35,6 +35,10 @@ std::string ShortNumber(double value, int digits = 6);
 /// Returns a number with @p decimals decimals.
 std::string FixedNumber(double value, int decimals);
 
+/// Returns a number for a table: with @p decimals decimals, or with twelve digits and an exponent
+/// where it would be longer than any machine needs.
+std::string TableNumber(double value, int decimals);
+
 /// Returns a number with as many digits as it takes to read the same double back, whatever the
 /// locale; "inf", "-inf" or "nan" where it is none.
 std::string ExactNumber(double value);

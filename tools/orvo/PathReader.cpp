@@ -1,19 +1,20 @@
 #include "PathReader.h"
 
-#include "Failure.h"
 #include "NumberText.h"
-#include "StandardInput.h"
 #include "WideText.h"
 
 #include <algorithm>
 #include <cmath>
-#include <optional>
 
 namespace OrvoTool {
 namespace {
 
-/// The needed columns, in the order in which points hold them.
-constexpr std::string_view NeededNames = "xyzijk";
+/// The columns that are known; the needed ones come first, in the order in which points hold them.
+constexpr std::array<std::string_view, 8> Names = {"x", "y", "z", "i", "j", "k", "feed", "rapid"};
+constexpr std::size_t FeedPlace = 6;
+constexpr std::size_t RapidPlace = 7;
+
+constexpr std::size_t Absent = static_cast<std::size_t>(-1);
 
 /// How much of a wrong text a message quotes.
 constexpr std::size_t QuotedBytes = 40;
@@ -22,14 +23,18 @@ std::string Quote(std::string_view text) {
   return "'" + Printable(text.substr(0, QuotedBytes)) + (text.size() > QuotedBytes ? "...'" : "'");
 }
 
-std::optional<std::size_t> FindNeeded(std::string_view name) {
-  if (name.size() != 1) {
-    return std::nullopt;
+std::string Lower(std::string_view text) {
+  std::string lower(text);
+  for (char& c : lower) {
+    c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
   }
-  const char lower =
-      name[0] >= 'A' && name[0] <= 'Z' ? static_cast<char>(name[0] - 'A' + 'a') : name[0];
-  const std::size_t needed = NeededNames.find(lower);
-  return needed == std::string_view::npos ? std::nullopt : std::optional<std::size_t>(needed);
+  return lower;
+}
+
+std::size_t FindName(std::string_view text) {
+  const std::string name = Lower(text);
+  const auto* const found = std::find(Names.begin(), Names.end(), name == "f" ? "feed" : name);
+  return found == Names.end() ? Absent : static_cast<std::size_t>(found - Names.begin());
 }
 
 /// Makes a vector unit without overflow or underflow; false for the null vector.
@@ -53,10 +58,7 @@ bool MakeUnitExactly(Orvo::Vector3D* v, bool* wasUnit) {
 PathReader::PathReader(const std::string& name) : lines_(name) {
   std::string_view content;
   if (!NextContent(&content)) {
-    throw Failure(ExitCode::Unreadable,
-                  ShownInput(name) +
-                      ":1:1: the file is empty; its first line must name the columns "
-                      "x,y,z,i,j,k");
+    lines_.BlameBegin("the file is empty; its first line must name the columns x,y,z,i,j,k");
   }
   ReadHeader(content);
 }
@@ -76,40 +78,39 @@ bool PathReader::NextContent(std::string_view* content) {
   return false;
 }
 
-bool PathReader::TakeField(std::string_view content, std::size_t* position, Field* field) {
+bool PathReader::TakeField(std::string_view content, std::size_t* position, Field* field) const {
   if (*position > content.size()) {
     return false;
   }
-  const std::size_t comma = std::min(content.find(',', *position), content.size());
-  const std::string_view raw = content.substr(*position, comma - *position);
+  const std::size_t end = std::min(content.find(separator_, *position), content.size());
+  const std::string_view raw = content.substr(*position, end - *position);
   field->text = Trim(raw);
   field->begin = field->text.empty()
                      ? *position
                      : *position + static_cast<std::size_t>(field->text.data() - raw.data());
-  *position = comma + 1;
+  *position = end + 1;
   return true;
 }
 
 void PathReader::ReadHeader(std::string_view content) {
-  constexpr std::size_t absent = static_cast<std::size_t>(-1);
-  columns_.fill(absent);
+  separator_ = content.find(';') != std::string_view::npos ? ';' : ',';
+  columns_.fill(Absent);
   Field field;
   std::size_t position = 0;
   while (TakeField(content, &position, &field)) {
-    const std::optional<std::size_t> needed = FindNeeded(field.text);
-    if (needed) {
-      if (columns_[*needed] != absent) {
-        lines_.Blame(field.begin,
-                     "the column " + std::string(1, NeededNames[*needed]) + " is named twice");
+    const std::size_t place = FindName(field.text);
+    if (place != Absent) {
+      if (columns_[place] != Absent) {
+        lines_.Blame(field.begin, "the column " + std::string(Names[place]) + " is named twice");
       }
-      columns_[*needed] = columnCount_;
+      columns_[place] = columnCount_;
     }
     ++columnCount_;
   }
   std::string missing;
   for (std::size_t i = 0; i < NeededCount; ++i) {
-    if (columns_[i] == absent) {
-      missing += (missing.empty() ? "" : ",") + std::string(1, NeededNames[i]);
+    if (columns_[i] == Absent) {
+      missing += (missing.empty() ? "" : ",") + std::string(Names[i]);
     }
   }
   if (missing.empty()) {
@@ -121,22 +122,35 @@ void PathReader::ReadHeader(std::string_view content) {
   if (ReadNumber(field.text, &ignored) == NumberFault::None) {
     lines_.Blame(field.begin, "the columns have no names; the first line must name x,y,z,i,j,k");
   }
-  const bool otherSeparator =
-      columnCount_ == 1 && content.find_first_of(";\t") != std::string_view::npos;
-  lines_.Blame(field.begin, "there is no column " + missing + "; found " + Quote(Trim(content)) +
-                                (otherSeparator ? ", but columns are separated by commas" : ""));
+  const bool otherSeparator = columnCount_ == 1 && content.find('\t') != std::string_view::npos;
+  lines_.Blame(field.begin,
+               "there is no column " + missing + "; found " + Quote(Trim(content)) +
+                   (otherSeparator ? ", but columns are separated by commas or semicolons" : ""));
 }
 
-double PathReader::ReadValue(const Field& field, std::size_t needed) const {
+double PathReader::ReadValue(const Field& field, std::size_t place) const {
   double value = 0.0;
   const NumberFault fault = ReadNumber(field.text, &value);
   if (fault != NumberFault::None) {
-    const std::string column(1, NeededNames[needed]);
+    const std::string column(Names[place]);
+    const bool hasComma = field.text.find(',') != std::string_view::npos;
     lines_.Blame(field.begin, field.text.empty()
                                   ? column + " is empty"
-                                  : column + ": " + Quote(field.text) + " " + DescribeFault(fault));
+                                  : column + ": " + Quote(field.text) + " " + DescribeFault(fault) +
+                                        (hasComma ? "; write a decimal point" : ""));
   }
   return value;
+}
+
+void PathReader::CheckFeedAndRapid(const Field& feed, const Field& rapid) const {
+  if (!feed.text.empty() && ReadValue(feed, FeedPlace) < 0.0) {
+    lines_.Blame(feed.begin, "the feed is negative");
+  }
+  const std::string word = Lower(rapid.text);
+  if (!word.empty() && word != "0" && word != "1" && word != "false" && word != "true") {
+    lines_.Blame(rapid.begin,
+                 "rapid: " + Quote(rapid.text) + " is none of 0, 1, true, false or nothing");
+  }
 }
 
 bool PathReader::Next(PathPoint* point) {
@@ -144,7 +158,7 @@ bool PathReader::Next(PathPoint* point) {
   if (!NextContent(&content)) {
     return false;
   }
-  std::array<Field, NeededCount> needed;
+  std::array<Field, KnownCount> known;
   std::size_t position = 0;
   std::size_t count = 0;
   Field field;
@@ -153,9 +167,9 @@ bool PathReader::Next(PathPoint* point) {
       lines_.Blame(field.begin, "more fields than the " + std::to_string(columnCount_) +
                                     " columns that the first line names");
     }
-    for (std::size_t i = 0; i < NeededCount; ++i) {
+    for (std::size_t i = 0; i < KnownCount; ++i) {
       if (columns_[i] == count) {
-        needed[i] = field;
+        known[i] = field;
       }
     }
     ++count;
@@ -167,14 +181,15 @@ bool PathReader::Next(PathPoint* point) {
   }
   std::array<double, NeededCount> values = {};
   for (std::size_t i = 0; i < NeededCount; ++i) {
-    values[i] = ReadValue(needed[i], i);
+    values[i] = ReadValue(known[i], i);
   }
   point->point.Set(values[0], values[1], values[2]);
   point->direction.Set(values[3], values[4], values[5]);
   point->line = lines_.GetNumber();
   if (!MakeUnitExactly(&point->direction, &point->wasUnit)) {
-    lines_.Blame(needed[3].begin, "the direction i,j,k is null");
+    lines_.Blame(known[3].begin, "the direction i,j,k is null");
   }
+  CheckFeedAndRapid(known[FeedPlace], known[RapidPlace]);
   return true;
 }
 

@@ -23,8 +23,12 @@ struct PathPoint {
 /// Reads a tool path from a CSV file, one point at a time.
 ///
 /// The first line that is neither empty nor a comment names the columns. x, y, z, i, j and k are
-/// needed, in any order and in either case; other columns are ignored. '#' starts a comment, at the
+/// needed, in any order and in either case; feed (or f) and rapid may be there, may be empty, and
+/// are checked although nothing is made of them; other columns are ignored. A header with a
+/// semicolon makes the semicolon the separator, else it is the comma. '#' starts a comment, at the
 /// start of a line or behind the values. Memory is constant, whatever the file holds.
+///
+/// Takes the files that Orvo::Path::CsvReader takes, and knows whether directions were unit.
 class PathReader {
  public:
   /// Opens the file and reads the names of its columns.
@@ -40,6 +44,7 @@ class PathReader {
 
  private:
   static constexpr std::size_t NeededCount = 6;
+  static constexpr std::size_t KnownCount = 8;
 
   struct Field {
     std::size_t begin = 0;
@@ -48,12 +53,14 @@ class PathReader {
 
   bool NextContent(std::string_view* content);
   void ReadHeader(std::string_view content);
-  static bool TakeField(std::string_view content, std::size_t* position, Field* field);
-  double ReadValue(const Field& field, std::size_t needed) const;
+  bool TakeField(std::string_view content, std::size_t* position, Field* field) const;
+  double ReadValue(const Field& field, std::size_t place) const;
+  void CheckFeedAndRapid(const Field& feed, const Field& rapid) const;
 
   TextLines lines_;
   std::size_t columnCount_ = 0;
-  std::array<std::size_t, NeededCount> columns_ = {};
+  char separator_ = ',';
+  std::array<std::size_t, KnownCount> columns_ = {};
 };
 
 }  // namespace OrvoTool

@@ -1,6 +1,7 @@
 #include "PointChoice.h"
 
 #include "NumberText.h"
+#include "StartMove.h"
 #include "TextTable.h"
 #include "WideText.h"
 
@@ -21,6 +22,10 @@ using Orvo::Path::FirstRotary;
 using Orvo::Path::MainAxis;
 using Orvo::Path::MainAxisNb;
 
+/// Directions nearer to the singular one than this, in radians, leave an axis free.
+constexpr double FreeAngle = 1e-9;
+
+constexpr double DegPerRad = 57.29577951308232;
 constexpr double FullTurnDeg = 360.0;
 
 /// A value counts as inside up to this much beyond a limit, as for the solvers.
@@ -120,6 +125,13 @@ const Diagnosis* PointChoice::FindFailure() const {
   return nullptr;
 }
 
+bool PointChoice::IsSingular() const { return freePlace >= 0 && singularAngle < FreeAngle; }
+
+bool PointChoice::IsNearSingular() const {
+  const Orvo::Path::PathOptions limits;
+  return freePlace >= 0 && singularAngle * DegPerRad <= limits.nearSingularDeg;
+}
+
 PointChoice ChooseForPoint(const PointRequest& request) {
   PointChoice choice;
   Orvo::Path::PointSolver solver(request.GetMachine(), request.GetProgramSystem(),
@@ -143,6 +155,9 @@ PointChoice ChooseForPoint(const PointRequest& request) {
     choice.solutions.push_back(solution);
   }
   SolveAsPath(request, &choice);
+  if (request.HasStart() && choice.chosen.isSolved) {
+    choice.moveFindings = FindStartMove(&solver, start, choice.singularAngle, choice.chosen);
+  }
   for (std::size_t i = 0; choice.chosen.isSolved && i < choice.solutions.size(); ++i) {
     if (choice.chosenSolution < 0 &&
         AreSame(choice, choice.chosen.values, choice.solutions[i].nearest)) {

@@ -44,9 +44,19 @@ struct PointChoice {
   double singularAngle = 0.0;  ///< see Answers::singularAngle
   int freePlace = -1;          ///< the rotary axis that is free in singular directions, or -1
 
+  /// Tells whether the direction leaves that axis free.
+  bool IsSingular() const;
+
+  /// Tells whether the direction is singular, or so near to it that the library says so of moves.
+  bool IsNearSingular() const;
+
   /// What a path of this one point gives: the choice, and what is to be said of it.
   Orvo::Path::SolvedPoint chosen;
   int chosenSolution = -1;  ///< the solution that it is; -1 where it holds the free axis
+
+  /// What is to be said of the way there from the start, where one was given.
+  std::vector<Orvo::Path::Diagnosis> moveFindings;
+
   bool hasShift = false;
   Orvo::Vector3D shift;  ///< what would bring the point into the linear ranges
 

@@ -68,7 +68,8 @@ PointRequest::PointRequest(const RequestOptions& options)
   number_ = FindProgramSystem(machine_, options.programSystem);
   programSystem_ = OrvoTool::GetProgramSystem(machine_, number_);
   machine_.Alloc(&start_);
-  if (!options.start.empty()) {
+  hasStart_ = !options.start.empty();
+  if (hasStart_) {
     PutAssignments(ReadAxisAssignments("--start", options.start, *names_), &start_);
   }
 }
@@ -105,10 +106,7 @@ JsonValue AxisValuesJson(const AxisNames& names, const Orvo::Path::MainAxes& axe
   return json;
 }
 
-std::string PlainNumber(double value) {
-  constexpr double Large = 1e9;
-  return std::abs(value) < Large ? FixedNumber(value, 9) : ShortNumber(value, 12);
-}
+std::string PlainNumber(double value) { return TableNumber(value, 9); }
 
 std::string VectorText(const Orvo::Vector3D& vector, int digits) {
   return "(" + ShortNumber(vector[0], digits) + ", " + ShortNumber(vector[1], digits) + ", " +

@@ -51,6 +51,9 @@ class PointRequest {
   const Orvo::Vector3D& GetOffset() const { return offset_; }
   const Orvo::Kin::MachinePosition& GetStart() const { return start_; }
 
+  /// Tells whether the command line says where the axes stand.
+  bool HasStart() const { return hasStart_; }
+
   /// Returns the point, with the direction as it was given.
   const Orvo::Path::ToolPoint& GetPoint() const { return point_; }
 
@@ -68,6 +71,7 @@ class PointRequest {
   Orvo::Kin::ProgramSystem programSystem_;
   Orvo::Vector3D offset_;
   Orvo::Kin::MachinePosition start_;
+  bool hasStart_ = false;
   Orvo::Path::ToolPoint point_;
 };
 

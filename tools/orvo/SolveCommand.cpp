@@ -5,6 +5,7 @@
 #include "ChoiceOption.h"
 #include "Failure.h"
 #include "MachineFile.h"
+#include "NumberOption.h"
 #include "NumberText.h"
 #include "OutputFile.h"
 #include "OutputFormat.h"
@@ -50,9 +51,9 @@ The policies:
            wherever there is one
 
 The path, as CSV: the first line names the columns, in any order and in upper or
-lower case; x,y,z,i,j,k are needed, f (or feed) and rapid are taken where they
-are there, others are ignored. '#' starts a comment. Directions of any length
-are taken.
+lower case, separated by commas or semicolons; x,y,z,i,j,k are needed, f (or
+feed) and rapid are taken where they are there, others are ignored. '#' starts
+a comment. Directions of any length are taken.
 
 The result of the policy machine: a row for each point, with the value of every
 register, named after its axis; with the number of rotary solutions; and with
@@ -177,18 +178,18 @@ void AddWholePathOptions(CLI::App* command, DeclaredOptions* declared) {
           ->add_option("--branch-cost", path.measure.branchChangeCost,
                        "what it costs to go over to the other rotary solution; 0 if not given")
           ->type_name("COST")
-          ->check(Unnamed(CLI::NonNegativeNumber)));
+          ->check(NumberFrom("a cost", 0.0)));
   add(command
           ->add_option("--unwind-cost", path.measure.unwindingCost,
                        "what a turn of more than 180 degrees in one move costs; 0 if not given")
           ->type_name("COST")
-          ->check(Unnamed(CLI::NonNegativeNumber)));
+          ->check(NumberFrom("a cost", 0.0)));
   add(command
           ->add_option("--cone", path.singularConeDeg,
                        "half the opening of the cone around singular directions in which the free "
                        "axis is kept steady, in degrees; 0 if not given")
           ->type_name("DEG")
-          ->check(Unnamed(CLI::Range(0.0, 90.0))));
+          ->check(NumberWithin("an angle", 0.0, 90.0)));
   add(AddChoice<Orvo::Path::SingularRule>(
       command, "--singular", &path.singularRule,
       {{"hold", Orvo::Path::SingularRule::Hold},
@@ -203,13 +204,13 @@ void AddWholePathOptions(CLI::App* command, DeclaredOptions* declared) {
           ->add_option("--tolerance", values.tipTolerance,
                        "insert points until the tip keeps this near to the straight line")
           ->type_name("LENGTH")
-          ->check(Unnamed(CLI::PositiveNumber)));
+          ->check(NumberAbove("a length", 0.0)));
   add(command
           ->add_option("--angle-tolerance", values.angleTolerance,
                        "the same for the direction, in degrees; 0.01 and 0.1 where only one of "
                        "both is given")
           ->type_name("DEG")
-          ->check(Unnamed(CLI::PositiveNumber)));
+          ->check(NumberAbove("an angle", 0.0)));
   add(command->add_flag("--inverse-time", values.columns.hasInverseTime,
                         "add the inverse time of each move, in 1 / minute"));
   add(command->add_flag("--no-residuals", values.hasNoResiduals,
@@ -218,12 +219,12 @@ void AddWholePathOptions(CLI::App* command, DeclaredOptions* declared) {
           ->add_option("--threads", path.threadNb,
                        "how many threads work; as many as the machine runs at once if not given")
           ->type_name("N")
-          ->check(Unnamed(CLI::Range(1, 256))));
+          ->check(WholeNumberWithin(1, 256)));
   add(command
           ->add_option("--memory", values.cacheMegabytes,
                        "how much may be kept instead of computed again, in MiB; 256 if not given")
           ->type_name("MIB")
-          ->check(Unnamed(CLI::Range(0, 1048576))));
+          ->check(WholeNumberWithin(0, 1048576)));
 }
 
 }  // namespace
@@ -291,7 +292,7 @@ CommandAction AddSolveCommand(CLI::App* command) {
       ->add_option("--decimals", values.columns.decimals,
                    "how many decimals axis values have in CSV; 6 if not given")
       ->type_name("N")
-      ->check(Unnamed(CLI::Range(0, 15)));
+      ->check(WholeNumberWithin(0, 15));
   AddChoice<SummaryFormat>(
       command, "--summary", &values.summary,
       {{"text", SummaryFormat::Text}, {"json", SummaryFormat::Json}, {"none", SummaryFormat::None}},

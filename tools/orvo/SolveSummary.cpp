@@ -115,12 +115,12 @@ std::string SolveSummary::GetAxesText() const {
     const AxisSum& sum = sums_[a];
     const bool isMoved = pointCount_ > unreachableCount_;
     table.AddRow(
-        {axis.name, isMoved ? FixedNumber(sum.smallest, 3) : "-",
-         isMoved ? FixedNumber(sum.largest, 3) : "-", FixedNumber(sum.length, 3),
+        {axis.name, isMoved ? TableNumber(sum.smallest, 3) : "-",
+         isMoved ? TableNumber(sum.largest, 3) : "-", TableNumber(sum.length, 3),
          axis.isChecked ? ShortNumber(axis.min, 9) + " .. " + ShortNumber(axis.max, 9)
                         : "not checked",
          std::to_string(sum.outCount),
-         sum.outCount > 0 ? FixedNumber(sum.outWorst.value, 6) + AtLine(sum.outWorst.line) : "-"});
+         sum.outCount > 0 ? TableNumber(sum.outWorst.value, 6) + AtLine(sum.outWorst.line) : "-"});
   }
   return table.GetText();
 }

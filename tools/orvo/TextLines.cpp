@@ -103,8 +103,14 @@ bool TextLines::Next() {
 
 void TextLines::Blame(std::size_t offset, const std::string& what) const {
   const std::size_t column = 1 + CountCharacters(std::string_view(line_).substr(0, offset));
+  // Before the first line there is none to blame but that.
+  const std::uint64_t line = number_ == 0 ? 1 : number_;
   throw Failure(ExitCode::Unreadable,
-                name_ + ":" + std::to_string(number_) + ":" + std::to_string(column) + ": " + what);
+                name_ + ":" + std::to_string(line) + ":" + std::to_string(column) + ": " + what);
+}
+
+void TextLines::BlameBegin(const std::string& what) const {
+  throw Failure(ExitCode::Unreadable, name_ + ":1:1: " + what);
 }
 
 double TextLines::GetShareRead() const {

@@ -38,6 +38,9 @@ class TextLines {
   /// @param offset  the byte in the line; messages count characters, from 1
   [[noreturn]] void Blame(std::size_t offset, const std::string& what) const;
 
+  /// Throws the Failure that blames the place where the file begins.
+  [[noreturn]] void BlameBegin(const std::string& what) const;
+
   /// Returns how much of the file has been taken, from 0 to 1, or a negative number where the
   /// file's size is not known, for example that of a pipe.
   double GetShareRead() const;

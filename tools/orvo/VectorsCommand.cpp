@@ -4,6 +4,7 @@
 #include "Failure.h"
 #include "JsonText.h"
 #include "MachineFile.h"
+#include "NumberOption.h"
 #include "NumberText.h"
 #include "OutputFile.h"
 #include "OutputFormat.h"
@@ -24,6 +25,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -207,9 +209,6 @@ ExitCode Verify(const VectorsOptions& options) {
   if (options.file.empty()) {
     throw UsageFailure("FILE is needed to verify");
   }
-  if (!options.output.empty()) {
-    throw UsageFailure("--output is for writing");
-  }
   RefuseSecondStandardInput(options.machine, options.file);
   Orvo::Kin::Machine machine;
   ReadValidMachine(options.machine, &machine);
@@ -232,26 +231,42 @@ CommandAction AddVectorsCommand(CLI::App* command) {
       ->required();
   AddMachineArgument(command, &options->machine);
   command->add_option("FILE", options->file, "the file to verify, or '-'");
-  command->add_option("-o,--output", options->output, "where to write; '-' is the standard output")
-      ->type_name("FILE");
-  command->add_option("--count", options->count, "how many samples to write; 100 if not given")
-      ->type_name("N")
-      ->check(Unnamed(CLI::Range(1, 1000000)));
-  command->add_option("--seed", options->seed, "which samples are drawn; 1 if not given")
-      ->type_name("N");
-  command
-      ->add_option("--offset", options->offset,
-                   "the tool to write: 0,0,L for a length of L; 0,0,100 if not given")
-      ->type_name("X,Y,Z");
-  command
-      ->add_option("--tolerance", options->tolerance,
-                   "by how much numbers may differ when verifying, in units of length, degrees "
-                   "or 1; 1e-9 if not given, 0 demands the same bits")
-      ->type_name("T")
-      ->check(Unnamed(CLI::NonNegativeNumber));
+  const std::vector<const CLI::Option*> forWriting = {
+      command
+          ->add_option("-o,--output", options->output, "where to write; '-' is the standard output")
+          ->type_name("FILE"),
+      command->add_option("--count", options->count, "how many samples to write; 100 if not given")
+          ->type_name("N")
+          ->check(WholeNumberWithin(1, 1000000)),
+      command->add_option("--seed", options->seed, "which samples are drawn; 1 if not given")
+          ->type_name("N")
+          ->check(WholeNumberWithin(0, std::numeric_limits<std::uint64_t>::max())),
+      command
+          ->add_option("--offset", options->offset,
+                       "the tool to write: 0,0,L for a length of L; 0,0,100 if not given")
+          ->type_name("X,Y,Z")};
+  const CLI::Option* const tolerance =
+      command
+          ->add_option("--tolerance", options->tolerance,
+                       "by how much numbers may differ when verifying, in units of length, degrees "
+                       "or 1; 1e-9 if not given, 0 demands the same bits")
+          ->type_name("T")
+          ->check(NumberFrom("a number", 0.0));
   AddOutputOptions(command, &options->format, {OutputFormat::Text, OutputFormat::Json});
-  return
-      [options]() { return options->action == Action::Write ? Write(*options) : Verify(*options); };
+  return [options, forWriting, tolerance]() {
+    for (const CLI::Option* option : forWriting) {
+      if (options->action == Action::Verify && option->count() > 0) {
+        throw UsageFailure(option->get_name() + " is for writing");
+      }
+    }
+    if (options->action == Action::Verify) {
+      return Verify(*options);
+    }
+    if (tolerance->count() > 0) {
+      throw UsageFailure(tolerance->get_name() + " is for verifying");
+    }
+    return Write(*options);
+  };
 }
 
 }  // namespace OrvoTool

@@ -73,9 +73,9 @@ std::string WholePathSummary::GetAxesText() const {
       continue;
     }
     const bool isMoved = summary_.solvedNb > 0;
-    table.AddRow({Printable(axis.name), isMoved ? FixedNumber(summary_.smallest[i], 3) : "-",
-                  isMoved ? FixedNumber(summary_.largest[i], 3) : "-",
-                  FixedNumber(summary_.travel[i], 3),
+    table.AddRow({Printable(axis.name), isMoved ? TableNumber(summary_.smallest[i], 3) : "-",
+                  isMoved ? TableNumber(summary_.largest[i], 3) : "-",
+                  TableNumber(summary_.travel[i], 3),
                   axis.isChecked ? ShortNumber(axis.min, 9) + " .. " + ShortNumber(axis.max, 9)
                                  : "not checked"});
   }
