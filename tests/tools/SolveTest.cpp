@@ -516,11 +516,14 @@ TEST(Solve, ForwardCheckTellsOfObliqueAxes) {
   WriteMachine(tool, {L"X", L"Y", L"Z", L"C", L"A"}, Vector3D(0.8, 0.6, 0.0));
   const std::string path = tool.Write("path.csv", "x,y,z,i,j,k\n10,0,0,0,0,1\n");
   const Solved solved = Solve(tool, tool.File("machine.xml"), path, {"-p", "0"});
-  EXPECT_EQ(solved.result.status, 0);
+  EXPECT_EQ(solved.result.status, 6);
   // X becomes 8 and Y 0: the tip goes to (6.4, 4.8), 6 away from (10, 0).
   EXPECT_THAT(solved.rows[1], HasSubstr("8.000000,0.000000,0.000000,"));
   EXPECT_THAT(solved.result.out, HasSubstr("the tip is off by at most 6 (line 2)"));
   EXPECT_THAT(solved.result.out, HasSubstr("that is more than rounding"));
+  const Solved exact =
+      Solve(tool, tool.File("machine.xml"), path, {"-p", "0", "--policy", "greedy"});
+  EXPECT_EQ(exact.result.status, 0);
 }
 
 // The exact solution is off by rounding alone, and no warning is given.

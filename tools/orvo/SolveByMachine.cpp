@@ -202,7 +202,10 @@ ExitCode SolveByMachine(const SolveRun& run) {
   if (summary.GetUnreachableCount() > 0) {
     return ExitCode::Unreachable;
   }
-  return summary.GetOutCount() > 0 ? ExitCode::OutOfRange : ExitCode::Success;
+  if (summary.GetOutCount() > 0) {
+    return ExitCode::OutOfRange;
+  }
+  return summary.IsMissed() ? ExitCode::VerificationFailed : ExitCode::Success;
 }
 
 }  // namespace OrvoTool

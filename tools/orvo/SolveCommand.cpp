@@ -83,6 +83,8 @@ Exit status:
   3  the machine, or its program system, can't be computed with
   4  some points are unreachable, whether or not others are out of range
   5  some points are out of range of the linear axes
+  6  all points are solved, but forward kinematics misses them by more than
+     rounding; under the policy machine alone, the others are exact
 
 Examples:
   orvo solve machine.xml path.csv --offset 0,0,30 -o axes.csv

@@ -125,6 +125,12 @@ std::string SolveSummary::GetAxesText() const {
   return table.GetText();
 }
 
+bool SolveSummary::IsMissed() const {
+  return tipResidual_.value > NoticeableLength ||
+         (directionResidualDeg_.value > NoticeableDirectionDeg &&
+          directionResidualDeg_.value > snappedDirectionResidualDeg_.value);
+}
+
 std::string SolveSummary::GetNotesText() const {
   std::string text;
   if (tipResidual_.line != 0) {
@@ -132,10 +138,11 @@ std::string SolveSummary::GetNotesText() const {
             ShortNumber(tipResidual_.value, 2) + AtLine(tipResidual_.line) +
             ",\n  the direction by at most " + ShortNumber(directionResidualDeg_.value, 2) +
             " degrees" + AtLine(directionResidualDeg_.line) + ".\n";
-    if (tipResidual_.value > NoticeableLength ||
-        (directionResidualDeg_.value > NoticeableDirectionDeg &&
-         directionResidualDeg_.value > snappedDirectionResidualDeg_.value)) {
-      text += "  Note: that is more than rounding; the axes do not reach the path exactly.\n";
+    if (IsMissed()) {
+      text +=
+          "  Note: that is more than rounding; the axes do not reach the path exactly, as the\n"
+          "  machine's program system has them. --policy greedy gives exact answers, for linear\n"
+          "  axes off the right angle too.\n";
     }
   }
   for (std::size_t a = 0; a < axes_.size(); ++a) {

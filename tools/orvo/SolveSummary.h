@@ -29,6 +29,9 @@ class SolveSummary {
   std::uint64_t GetUnreachableCount() const { return unreachableCount_; }
   std::uint64_t GetOutCount() const { return outCount_; }
 
+  /// Tells whether forward kinematics misses solved points by more than rounding.
+  bool IsMissed() const;
+
   /// Returns the summary for people, in several lines.
   std::string GetText() const;
 
