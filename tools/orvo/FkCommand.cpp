@@ -317,9 +317,12 @@ class FkRun {
     output_.Write(text.substr(0, place + 1));
     const int count = names_->GetCount();
     for (int r = 0; r < count; ++r) {
-      const std::string name = JsonText(names_->GetName(r));
-      const std::string number = JsonText(position[Orvo::Kin::Register(r)]);
-      output_.Write((r > 0 ? "," : "") + (isLine ? name + ":" : "\n    " + name + ": ") + number);
+      std::string member = r > 0 ? "," : "";
+      member += isLine ? "" : "\n    ";
+      member += JsonText(names_->GetName(r));
+      member += isLine ? ":" : ": ";
+      member += JsonText(position[Orvo::Kin::Register(r)]);
+      output_.Write(member);
     }
     output_.Write((isLine || count == 0 ? "" : "\n  ") + text.substr(place + 1));
   }
