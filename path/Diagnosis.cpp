@@ -100,8 +100,7 @@ std::string Sentence(const Diagnosis& d) {
     case DiagnosisCode::ObliqueLinearAxes:
       return fmt::format(
           "the linear axes stand up to {:.6g} degrees off the right angle; taken for rectangular, "
-          "a "
-          "point 100 off in X, Y and Z would be missed by {:.4g}, solved as they stand by {:.2g}",
+          "a point 100 off in X, Y and Z would be missed by {:.4g}, solved as they stand by {:.2g}",
           d.Get("off-right-angle"), d.Get("residual-rectangular"), d.Get("residual"));
     case DiagnosisCode::RegisterUnfit:
     case DiagnosisCode::ChainUnfit:

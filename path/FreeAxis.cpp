@@ -41,14 +41,7 @@ class FreeAxis {
   /// Computes the answer for a value of the free axis.
   Answer At(double deg) const {
     Answer answer;
-    std::array<double, 2> rad = {};
-    rad[place_ - FirstRotary] = RadFromDeg(deg);
-    own_.reach.SolveHeld(own_.model, direction_, &rad);
-    own_.Complete(tip_, rad, &answer);
-    answer.values[place_] = deg;
-    answer.directionError =
-        AngleBetween(own_.model.Direction(ChainModel::MakeTrig(rad)), direction_);
-    own_.Rate(&answer);
+    own_.Hold(tip_, direction_, deg, &answer);
     return answer;
   }
 

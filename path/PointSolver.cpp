@@ -141,6 +141,20 @@ bool PointSolverImplementation::Complete(const Vec3& point, const std::array<dou
   return answer->hasLinear;
 }
 
+bool PointSolverImplementation::Hold(const Vec3& tip, const Vec3& direction, double heldDeg,
+                                     Answer* answer) {
+  *answer = Answer();
+  std::array<double, 2> rad = {};
+  rad[reach.GetOuter()] = RadFromDeg(heldDeg);
+  reach.SolveHeld(model, direction, &rad);
+  const bool hasLinear = Complete(tip, rad, answer);
+  answer->values[FirstRotary + reach.GetOuter()] = heldDeg;
+  const Vec3 reached = model.Direction(ChainModel::MakeTrig(rad));
+  answer->directionError = AngleBetween(reached, direction);
+  Rate(answer);
+  return hasLinear;
+}
+
 PointSolver::PointSolver(const Kin::Machine& machine, const Kin::ProgramSystem& programSystem,
                          const Vector3D& offset, const Kin::MachinePosition& position)
     : implementation_(
@@ -220,16 +234,7 @@ bool PointSolver::SolveHeld(const ToolPoint& point, double heldDeg, Answer* answ
   if (!own.reach.IsValid() || !own.reach.HasInner() || !TakeRequest(point, &tip, &direction)) {
     return false;
   }
-  *answer = Answer();
-  std::array<double, 2> rad = {};
-  rad[own.reach.GetOuter()] = RadFromDeg(heldDeg);
-  own.reach.SolveHeld(own.model, direction, &rad);
-  const bool hasLinear = own.Complete(tip, rad, answer);
-  answer->values[FirstRotary + own.reach.GetOuter()] = heldDeg;
-  const Vec3 reached = own.model.Direction(ChainModel::MakeTrig(rad));
-  answer->directionError = AngleBetween(reached, direction);
-  own.Rate(answer);
-  return hasLinear;
+  return own.Hold(tip, direction, heldDeg, answer);
 }
 
 bool PointSolver::ComputeLinearSlopes(const AxisValues& values, std::array<Vector3D, 3>* slopes) {

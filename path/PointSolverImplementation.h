@@ -21,6 +21,10 @@ struct PointSolverImplementation {
   using Seeds = std::array<std::array<double, 2>, 2>;
 
   int FindSeeds(const Vec3& direction, double singularAngle, Seeds* seeds);
+
+  /// Computes the answer with the free axis at a value, for a unit direction; there must be such an
+  /// axis.
+  bool Hold(const Vec3& tip, const Vec3& direction, double heldDeg, Answer* answer);
   bool Complete(const Vec3& point, const std::array<double, 2>& rad, Answer* answer);
   bool CompleteByCalculator(const Vec3& point, Answer* answer);
   void Rate(Answer* answer) const;
