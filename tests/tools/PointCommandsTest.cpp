@@ -87,6 +87,20 @@ TEST(PointCommands, FreeAxisKeepsItsValue) {
   EXPECT_EQ(report["singularAngleDeg"], 0.0);
 }
 
+// Where holding the free axis would leave a linear range, it goes elsewhere, and both commands say
+// so.
+TEST(PointCommands, FreeAxisGoesWhereRangesAreKept) {
+  const ToolRun tool;
+  const ToolResult ik = tool.Run({"ik", Trunnion(), "150,0,50", "0,0,1", "--format", "json"});
+  EXPECT_EQ(ik.status, 0);
+  const json report = json::parse(ik.out);
+  EXPECT_NEAR(report["chosen"]["values"]["X"].get<double>(), 130.0, 1e-9);
+  EXPECT_THAT(report["why"].get<std::string>(), HasSubstr("goes to where all ranges are kept"));
+  const ToolResult explained = tool.Run({"explain", Trunnion(), "150,0,50", "0,0,1"});
+  EXPECT_EQ(explained.status, 0);
+  EXPECT_THAT(explained.out, HasSubstr("C free, which goes to where all ranges are kept"));
+}
+
 // Each way not to have an answer has its status and its code, in ik and in explain.
 TEST(PointCommands, StatusTellsWhyThereIsNone) {
   struct Case {

@@ -72,7 +72,7 @@ std::string SingularText(const PointRequest& request, const PointChoice& choice)
   const std::string axis = FreeAxisName(request, choice);
   return choice.IsSingular()
              ? "\nThe direction is singular: it leaves " + axis + " free" +
-                   (choice.chosen.isSolved ? ", which keeps the value that it has.\n" : ".\n")
+                   (choice.chosen.isSolved ? ", which " + choice.DescribeFreeAxis() : "") + ".\n"
              : "\nThe direction is near singular: " +
                    ShortNumber(choice.singularAngle * DegPerRad, 6) +
                    " degrees from the one that leaves " + axis + " free.\n";

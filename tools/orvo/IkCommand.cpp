@@ -127,7 +127,7 @@ std::string ExplainChoice(const PointRequest& request, const PointChoice& choice
             ? request.GetNames().GetName(
                   choice.axes.axes[static_cast<std::size_t>(choice.freePlace)].reg.GetVal())
             : "an axis";
-    return "the direction leaves " + name + " free, so it keeps the value that it has";
+    return "the direction leaves " + name + " free, so it " + choice.DescribeFreeAxis();
   }
   if (choice.solutions.size() == 1) {
     return "it is the only solution";

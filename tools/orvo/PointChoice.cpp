@@ -127,6 +127,11 @@ const Diagnosis* PointChoice::FindFailure() const {
 
 bool PointChoice::IsSingular() const { return freePlace >= 0 && singularAngle < FreeAngle; }
 
+std::string PointChoice::DescribeFreeAxis() const {
+  return freePlace < 0 || chosen.isHeld ? "keeps the value that it has"
+                                        : "goes to where all ranges are kept";
+}
+
 bool PointChoice::IsNearSingular() const {
   const Orvo::Path::PathOptions limits;
   return freePlace >= 0 && singularAngle * DegPerRad <= limits.nearSingularDeg;

@@ -47,6 +47,10 @@ struct PointChoice {
   /// Tells whether the direction leaves that axis free.
   bool IsSingular() const;
 
+  /// Says of the free axis what becomes of it in the choice: that it keeps its value, or goes to
+  /// another one where it must.
+  std::string DescribeFreeAxis() const;
+
   /// Tells whether the direction is singular, or so near to it that the library says so of moves.
   bool IsNearSingular() const;
 
