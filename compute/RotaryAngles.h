@@ -1,8 +1,12 @@
 #pragma once
 
+#include "compute/RotaryTolerances.h"
 #include "geometry/AngleAccess.h"
+#include "geometry/Degrees.h"
 
 #include <Orvo/Kin/RotariesSolution.h>
+
+#include <cmath>
 
 namespace Orvo::Kin {
 
@@ -13,6 +17,14 @@ struct RotaryAngles {
   double alpha[2] = {0.0, 0.0};
   double beta[2] = {0.0, 0.0};
 };
+
+/// Tells whether two solutions are told apart by their angles.
+inline bool AreTwoSolutions(const RotaryAngles& angles) {
+  const auto differ = [](const double values[2]) {
+    return std::fabs(DegreesFromRadians(values[0]) - DegreesFromRadians(values[1])) >= SameAngleDeg;
+  };
+  return differ(angles.alpha) || differ(angles.beta);
+}
 
 inline void Store(const RotaryAngles& angles, RotariesSolution* sol) {
   sol->Count = angles.count;

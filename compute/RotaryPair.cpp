@@ -2,7 +2,6 @@
 
 #include "compute/RotaryTolerances.h"
 #include "geometry/AngleKernel.h"
-#include "geometry/Degrees.h"
 #include "geometry/VectorKernel.h"
 
 #include <Orvo/Matrix43.h>
@@ -15,10 +14,6 @@ namespace {
 
 // Two tips on the circle that are closer than this, by component, are one.
 constexpr double SamePointTolerance = 0.00001;
-
-bool Differ(double a, double b) {
-  return std::fabs(DegreesFromRadians(a) - DegreesFromRadians(b)) >= SameAngleDeg;
-}
 
 bool IsWithin(const Coordinates1& a, const Coordinates1& b, double tol) {
   return std::fabs(a.x - b.x) < tol && std::fabs(a.y - b.y) < tol && std::fabs(a.z - b.z) < tol;
@@ -124,8 +119,8 @@ bool RotaryPair::Solve(RequestedDirection target, RotaryAngles* angles) const {
   alignas(16) double turns[4];
   NegateWhereNegative(sizes, Dot(normals, axes_)).Store(turns);
 
-  const bool areTwo = Differ(turns[0], turns[1]) || Differ(turns[2], turns[3]);
-  *angles = {areTwo ? 2U : 1U, -1, {turns[0], turns[1]}, {turns[2], turns[3]}};
+  *angles = {1, -1, {turns[0], turns[1]}, {turns[2], turns[3]}};
+  angles->count = AreTwoSolutions(*angles) ? 2 : 1;
   return true;
 }
 

@@ -1,21 +1,12 @@
 #pragma once
 
+#include "compute/RequestedDirection.h"
 #include "compute/RotaryAngles.h"
 #include "geometry/Coordinates.h"
-#include "geometry/VectorKernel.h"
 
 #include <Orvo/Vector3D.h>
 
 namespace Orvo::Kin {
-
-/// A requested direction and its length; passed in registers.
-struct RequestedDirection {
-  explicit RequestedDirection(const Vector3D& direction)
-      : given(direction), length(Length(direction)) {}
-
-  const double* given;
-  double length;
-};
 
 /// Two rotary axes and a tool direction, with what SolveTwoRotaries() derives from them alone.
 class RotaryPair {

@@ -80,14 +80,18 @@ const RotaryDirections& RotaryPlacement::Compute(const double* values) {
   }
   if (axes_[0].isDefined && axes_[1].isDefined) {
     const int nearer = directions_.isAlphaNearerHead ? 0 : 1;
-    pair_ = RotaryPair(directions_.axes[nearer], directions_.axes[1 - nearer], directions_.tool);
+    const Vector3D& axis1 = directions_.axes[nearer];
+    const Vector3D& axis2 = directions_.axes[1 - nearer];
+    principalPair_ = PrincipalPair(axis1, axis2, directions_.tool);
+    pair_ = RotaryPair(axis1, axis2, directions_.tool);
   }
   return directions_;
 }
 
 bool RotaryPlacement::Solve(RequestedDirection target, RotariesSolution* sol) const {
   RotaryAngles angles;
-  if (!axes_[0].isDefined || !axes_[1].isDefined || !pair_.Solve(target, &angles)) {
+  if (!axes_[0].isDefined || !axes_[1].isDefined ||
+      !(principalPair_.Solve(target, &angles) || pair_.Solve(target, &angles))) {
     return false;
   }
   if (!directions_.isAlphaNearerHead) {

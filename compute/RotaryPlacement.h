@@ -2,6 +2,7 @@
 
 #include "compute/AxisChain.h"
 #include "compute/FrameChains.h"
+#include "compute/PrincipalPair.h"
 #include "compute/RotaryDirections.h"
 #include "compute/RotaryPair.h"
 
@@ -28,7 +29,7 @@ class RotaryPlacement {
   const RotaryDirections& Compute(const double* values);
 
   /// Solves for a target with the directions computed last. Returns false, with nothing written,
-  /// unless there are two axes and RotaryPair decides.
+  /// unless there are two axes and one of the pairs decides.
   bool Solve(RequestedDirection target, RotariesSolution* sol) const;
 
  private:
@@ -42,7 +43,9 @@ class RotaryPlacement {
   FrameChains chains_;
   Axis axes_[2];
   RotaryDirections directions_;
-  RotaryPair pair_;  // of the two axes, where both are defined
+  // Of the two axes, where both are defined.
+  PrincipalPair principalPair_;
+  RotaryPair pair_;
 };
 
 }  // namespace Orvo::Kin

@@ -1,6 +1,7 @@
 // Two rotary axes that are prepared for many targets against the plain solution for each target:
 // whatever is decided must be the same, bit for bit.
 
+#include "compute/PrincipalPair.h"
 #include "compute/RotaryAngles.h"
 #include "compute/RotaryCore.h"
 #include "compute/RotaryPair.h"
@@ -25,6 +26,7 @@
 namespace Orvo::Testing {
 namespace {
 
+using Kin::PrincipalPair;
 using Kin::RotariesSolution;
 using Kin::RotaryAngles;
 using Kin::RotaryPair;
@@ -56,11 +58,15 @@ bool AreSame(const RotaryAngles& a, const RotaryAngles& b) {
          AreSameBits(a.beta[0], b.beta[0]) && AreSameBits(a.beta[1], b.beta[1]);
 }
 
-Vector3D DrawUnit(TestRandom& random) {
+Vector3D DrawPrincipal(TestRandom& random) {
   static const Vector3D principal[] = {{1, 0, 0},  {-1, 0, 0}, {0, 1, 0},
                                        {0, -1, 0}, {0, 0, 1},  {0, 0, -1}};
+  return principal[random.Integer(0, 5)];
+}
+
+Vector3D DrawUnit(TestRandom& random) {
   if (random.Chance(0.4)) {
-    return principal[random.Integer(0, 5)];
+    return DrawPrincipal(random);
   }
   Vector3D v(random.Real(-1, 1), random.Real(-1, 1), random.Real(-1, 1));
   v.MakeUnit(0.001);
@@ -102,6 +108,19 @@ Axes DrawAxes(TestRandom& random) {
   return axes;
 }
 
+// Those of a PrincipalPair.
+Axes DrawPrincipalAxes(TestRandom& random) {
+  Axes axes;
+  do {
+    axes = {DrawPrincipal(random), DrawPrincipal(random), DrawPrincipal(random)};
+  } while (Dot(axes.axis1, axes.axis2) != 0.0 || Dot(axes.axis1, axes.tool) != 0.0);
+  if (random.Chance(0.3)) {
+    // Zeros below 0.
+    axes = {Times(axes.axis1, -1.0), Times(axes.axis2, -1.0), Times(axes.tool, -1.0)};
+  }
+  return axes;
+}
+
 Vector3D DrawTarget(TestRandom& random, const Axes& axes) {
   const Vector3D reached =
       Turned(Turned(axes.tool, axes.axis1, random.Real(-4, 4)), axes.axis2, random.Real(-4, 4));
@@ -129,6 +148,10 @@ Vector3D DrawTarget(TestRandom& random, const Axes& axes) {
   if (random.Chance(0.1)) {
     target = Times(target, random.Chance(0.5) ? 0.001 : DrawPower(random, -4.0, 200.0));
   }
+  if (random.Chance(0.1)) {
+    target[random.Integer(0, 2)] *=
+        random.Chance(0.5) ? (random.Chance(0.5) ? 0.0 : -0.0) : DrawPower(random, -310.0, -1.0);
+  }
   if (random.Chance(0.01)) {
     target[random.Integer(0, 2)] = random.Chance(0.5) ? std::numeric_limits<double>::infinity()
                                                       : std::numeric_limits<double>::quiet_NaN();
@@ -145,7 +168,8 @@ std::string Describe(const Axes& axes, const Vector3D& target) {
 }
 
 // Compares where the pair decides; returns whether it does.
-bool Compare(const Axes& axes, const RotaryPair& pair, const Vector3D& target) {
+template <typename Pair>
+bool Compare(const Axes& axes, const Pair& pair, const Vector3D& target) {
   RotaryAngles angles;
   if (!pair.Solve(Kin::RequestedDirection(target), &angles)) {
     return false;
@@ -154,32 +178,28 @@ bool Compare(const Axes& axes, const RotaryPair& pair, const Vector3D& target) {
   return true;
 }
 
-TEST(RotaryPair, DecidesAsThePlainSolution) {
-  TestRandom random;
-  SCOPED_TRACE(random.Trace());
-  const int axesNb = 60000 / Scale;
-  const int targetNb = 6;
+// Returns how many of the targets were decided, of 6 for each of the axes.
+template <typename Pair, typename DrawAxesOf>
+int CompareRandom(TestRandom& random, int axesNb, DrawAxesOf drawAxes) {
   int decidedNb = 0;
-  for (int i = 0; i < axesNb && !HasFailure(); ++i) {
-    const Axes axes = DrawAxes(random);
-    const RotaryPair pair(axes.axis1, axes.axis2, axes.tool);
-    for (int k = 0; k < targetNb; ++k) {
+  for (int i = 0; i < axesNb && !testing::Test::HasFailure(); ++i) {
+    const Axes axes = drawAxes(random);
+    const Pair pair(axes.axis1, axes.axis2, axes.tool);
+    for (int k = 0; k < 6; ++k) {
       decidedNb += Compare(axes, pair, DrawTarget(random, axes)) ? 1 : 0;
     }
   }
-  // Otherwise this proves nothing.
-  EXPECT_GT(decidedNb, axesNb * targetNb / 4);
+  return decidedNb;
 }
 
 // Between a target and another for which the plain solution is of another sort, the limit is
-// searched to the last bit.
-TEST(RotaryPair, DecidesAsThePlainSolutionAtItsThresholds) {
-  TestRandom random;
-  SCOPED_TRACE(random.Trace());
+// searched to the last bit. Returns how many limits there were.
+template <typename Pair, typename DrawAxesOf>
+int CompareAtThresholds(TestRandom& random, int axesNb, DrawAxesOf drawAxes) {
   int thresholdNb = 0;
-  for (int i = 0; i < 20000 / Scale && !HasFailure(); ++i) {
-    const Axes axes = DrawAxes(random);
-    const RotaryPair pair(axes.axis1, axes.axis2, axes.tool);
+  for (int i = 0; i < axesNb && !testing::Test::HasFailure(); ++i) {
+    const Axes axes = drawAxes(random);
+    const Pair pair(axes.axis1, axes.axis2, axes.tool);
     const Vector3D first = DrawTarget(random, axes);
     const Vector3D way = Minus(DrawTarget(random, axes), first);
     const auto targetAt = [&](double share) { return Plus(first, Times(way, share)); };
@@ -210,7 +230,56 @@ TEST(RotaryPair, DecidesAsThePlainSolutionAtItsThresholds) {
       above = high + distance;
     }
   }
-  EXPECT_GT(thresholdNb, 100);
+  return thresholdNb;
+}
+
+TEST(RotaryPair, DecidesAsThePlainSolution) {
+  TestRandom random;
+  SCOPED_TRACE(random.Trace());
+  const int axesNb = 60000 / Scale;
+  // Otherwise this proves nothing.
+  EXPECT_GT(CompareRandom<RotaryPair>(random, axesNb, DrawAxes), axesNb * 6 / 4);
+}
+
+TEST(RotaryPair, DecidesAsThePlainSolutionAtItsThresholds) {
+  TestRandom random;
+  SCOPED_TRACE(random.Trace());
+  EXPECT_GT(CompareAtThresholds<RotaryPair>(random, 20000 / Scale, DrawAxes), 100);
+}
+
+TEST(PrincipalPair, DecidesAsThePlainSolution) {
+  TestRandom random;
+  SCOPED_TRACE(random.Trace());
+  const int axesNb = 60000 / Scale;
+  EXPECT_GT(CompareRandom<PrincipalPair>(random, axesNb, DrawPrincipalAxes), axesNb * 6 / 3);
+}
+
+TEST(PrincipalPair, DecidesAsThePlainSolutionAtItsThresholds) {
+  TestRandom random;
+  SCOPED_TRACE(random.Trace());
+  EXPECT_GT(CompareAtThresholds<PrincipalPair>(random, 20000 / Scale, DrawPrincipalAxes), 100);
+}
+
+// Whatever is not exactly along X, Y and Z, or not at right angles, is left to others.
+TEST(PrincipalPair, DecidesForItsAxesOnly) {
+  const auto decides = [](const Vector3D& axis1, const Vector3D& axis2, const Vector3D& tool) {
+    RotaryAngles angles;
+    return PrincipalPair(axis1, axis2, tool)
+        .Solve(Kin::RequestedDirection(Vector3D(0.36, 0.48, 0.8)), &angles);
+  };
+  EXPECT_TRUE(decides(AxisX, AxisZ, AxisZ));
+  EXPECT_TRUE(decides(AxisX, AxisZ, AxisY));
+  EXPECT_FALSE(decides(AxisX, AxisX, AxisZ));
+  EXPECT_FALSE(decides(AxisX, AxisZ, AxisX));
+  const double less = std::nextafter(1.0, 0.0);
+  EXPECT_FALSE(decides(Vector3D(less, 0, 0), AxisZ, AxisZ));
+  EXPECT_FALSE(decides(AxisX, Vector3D(0, 0, less), AxisZ));
+  EXPECT_FALSE(decides(AxisX, AxisZ, Vector3D(0, 0, less)));
+  EXPECT_FALSE(decides(Vector3D(1, 0, 1e-300), AxisZ, AxisZ));
+  EXPECT_FALSE(decides(AxisX, Vector3D(0, 1e-300, 1), AxisZ));
+  EXPECT_FALSE(decides(AxisX, AxisZ, Vector3D(1e-300, 0, 1)));
+  RotaryAngles angles;
+  EXPECT_FALSE(PrincipalPair().Solve(Kin::RequestedDirection(AxisX), &angles));
 }
 
 // Nothing is decided before there are axes.
@@ -225,10 +294,14 @@ TEST(RotaryPair, DecidesForUsualAxes) {
       {AxisX, AxisZ, AxisZ}, {AxisY, AxisZ, AxisZ}, {AxisX, AxisY, AxisZ}, {AxisZ, AxisX, AxisY}};
   for (const Axes& axes : machines) {
     const RotaryPair pair(axes.axis1, axes.axis2, axes.tool);
+    const PrincipalPair principalPair(axes.axis1, axes.axis2, axes.tool);
     for (const Vector3D& target :
-         {Vector3D(0.36, 0.48, 0.8), Vector3D(-0.48, 0.6, 0.64), Vector3D(0.6, -0.48, 0.64)}) {
+         {Vector3D(0.36, 0.48, 0.8), Vector3D(-0.48, 0.6, 0.64), Vector3D(0.6, -0.48, 0.64),
+          Vector3D(0.0, -0.6, 0.8), Vector3D(0.6, 0.0, 0.8), Vector3D(0.6, 0.8, 0.0)}) {
       EXPECT_TRUE(Compare(axes, pair, target));
       EXPECT_TRUE(Compare(axes, pair, Times(target, 25.0)));
+      EXPECT_TRUE(Compare(axes, principalPair, target));
+      EXPECT_TRUE(Compare(axes, principalPair, Times(target, 25.0)));
     }
   }
 }
