@@ -68,6 +68,7 @@ bool FrameChains::Add(const Entity* element, Axes axes) {
   }
   SetIdentity(&chain.frame);
   CopyFrame(IdentityFrame, chain.kept);
+  std::copy(IdentityFrame + 4, IdentityFrame + 16, chain.rows);
   chains_.push_back(std::move(chain));
   return true;
 }
@@ -88,29 +89,41 @@ void FrameChains::Prepare() {
       }
     }
     chain.links = {};
+    chain.firstMoving = chain.steps.size();
   }
+  // In the order in which links are multiplied, as they were taken down.
   std::sort(uses_.begin(), uses_.end(), [](const Use& a, const Use& b) {
-    return a.link->Reg() != b.link->Reg() ? a.link->Reg() < b.link->Reg()
-                                          : std::less<>()(a.link, b.link);
+    return a.link != b.link ? std::less<>()(a.link, b.link) : std::less<>()(a.chain, b.chain);
   });
-  const Use* const end = uses_.data() + uses_.size();
-  for (const Use* first = uses_.data(); first != end;) {
-    KeptLink* const link = first->link;
-    const Use* const next =
-        std::find_if(first, end, [link](const Use& use) { return use.link != link; });
-    std::vector<Axis>& axes = link->IsRotary() ? rotaryAxes_ : linearAxes_;
-    axes.push_back({static_cast<std::size_t>(link->Reg()), 0.0, link, first, next});
-    first = next;
+  const bool areShort = std::all_of(chains_.begin(), chains_.end(),
+                                    [](const Chain& chain) { return chain.IsShort(); });
+  for (std::size_t i = 0; i < uses_.size(); ++i) {
+    Use& use = uses_[i];
+    const auto bit = 1U << static_cast<unsigned>(use.chain - chains_.data());
+    use.chain->firstMoving = std::min(use.chain->firstMoving, use.place);
+    std::vector<Axis>& axes = use.link->IsRotary() ? rotaryAxes_ : linearAxes_;
+    if (i != 0 && uses_[i - 1].link == use.link) {
+      axes.back().chains |= bit;
+      uses_[i - 1].next = &use;
+    } else {
+      axes.push_back({static_cast<std::size_t>(use.link->Reg()), 0.0, use.link, bit,
+                      areShort ? nullptr : &use});
+    }
   }
 }
 
 bool FrameChains::Update(const double* values) {
   const bool isFirst = !isComputed_;
   isComputed_ = true;
-  if (!SetAxisValues(values) && !isFirst) {
+  unsigned changed = SetAxisValues(values);
+  if (changed == 0 && !isFirst) {
     return false;
   }
   for (Chain& chain : chains_) {
+    if ((changed & 1U) != 0 && chain.IsShort()) {
+      chain.firstChange = std::min(chain.firstChange, chain.firstMoving);
+    }
+    changed >>= 1U;
     chain.hasChanged = chain.firstChange < chain.steps.size();
     if (chain.hasChanged) {
       if (!chain.areKindsKnown) {
@@ -121,7 +134,7 @@ bool FrameChains::Update(const double* values) {
       } else {
 #ifdef ORVO_WIDE
         if (isWide_) {
-          chain.MultiplyWide();
+          chain.MultiplyWide(!prefersRows_);
           continue;
         }
 #endif
@@ -132,10 +145,10 @@ bool FrameChains::Update(const double* values) {
   return true;
 }
 
-// Returns whether any is another one than before. Rotary axes come first: what doesn't need them
-// goes on while sines and cosines are under way.
-inline bool FrameChains::SetAxisValues(const double* values) {
-  bool isAnyOther = false;
+// Returns which chains another value of an axis changes. Rotary axes come first: what doesn't need
+// them goes on while sines and cosines are under way.
+inline unsigned FrameChains::SetAxisValues(const double* values) {
+  unsigned changed = 0;
   for (Axis& axis : rotaryAxes_) {
     const double value = values[axis.reg];
     if (!IsSameValue(value, axis.value)) {
@@ -143,10 +156,9 @@ inline bool FrameChains::SetAxisValues(const double* values) {
       const Matrix43::Type typeBefore = axis.link->Frame().type;
       axis.link->SetTurn(value);
       TakeIn(axis);
-      isAnyOther = true;
+      changed |= axis.chains;
       if (axis.link->Frame().type != typeBefore) {
-        std::for_each(axis.firstUse, axis.endOfUses,
-                      [](const Use& use) { use.chain->areKindsKnown = false; });
+        ForgetKinds(axis.chains);
       }
     }
   }
@@ -156,15 +168,22 @@ inline bool FrameChains::SetAxisValues(const double* values) {
       axis.value = value;
       axis.link->SetTravel(value);
       TakeIn(axis);
-      isAnyOther = true;
+      changed |= axis.chains;
     }
   }
-  return isAnyOther;
+  return changed;
 }
 
 inline void FrameChains::TakeIn(const Axis& axis) {
-  for (const Use* use = axis.firstUse; use != axis.endOfUses; ++use) {
+  for (const Use* use = axis.firstUse; use != nullptr; use = use->next) {
     use->chain->firstChange = std::min(use->chain->firstChange, use->place);
+  }
+}
+
+void FrameChains::ForgetKinds(unsigned chains) {
+  for (Chain& chain : chains_) {
+    chain.areKindsKnown = chain.areKindsKnown && (chains & 1U) == 0;
+    chains >>= 1U;
   }
 }
 
@@ -223,25 +242,42 @@ inline void FrameChains::Chain::MultiplyAs() {
 
 #ifdef ORVO_WIDE
 // The same with wide rows, which are kept as they are.
-ORVO_WIDE void FrameChains::Chain::MultiplyWide() {
+ORVO_WIDE void FrameChains::Chain::MultiplyWide(bool writesFrame) {
   double* const keptRows = kept + (IdentityRows - IdentityFrame);
   const Step* step = steps.data() + Resume();
   const Step* const change = steps.data() + firstChange;
   const Step* const end = steps.data() + steps.size();
-  WideRows rows = LoadRowsWide(keptRows);
+  WideRows product = LoadRowsWide(keptRows);
   if (step != change) {
     for (; step != change; ++step) {
-      rows = MultiplyRowsWide(step->product.rule, step->link->Frame().elements, rows);
+      product = MultiplyRowsWide(step->product.rule, step->link->Frame().elements, product);
     }
-    StoreRowsWide(rows, keptRows);
+    StoreRowsWide(product, keptRows);
     keptPlace = firstChange;
   }
   for (; step != end; ++step) {
-    rows = MultiplyRowsWide(step->product.rule, step->link->Frame().elements, rows);
+    product = MultiplyRowsWide(step->product.rule, step->link->Frame().elements, product);
   }
-  StoreWide(FrameOfRows(rows), frame.elements);
+  isFrameWritten = writesFrame;
+  if (writesFrame) {
+    StoreWide(FrameOfRows(product), frame.elements);
+  } else {
+    StoreRowsWide(product, rows);
+  }
   Finish();
 }
 #endif
+
+void FrameChains::Chain::WriteFrame() {
+  for (std::size_t row = 0; row < 3; ++row) {
+    const double* const from = rows + 4 * row;
+    double* const to = frame.elements + row;
+    to[0] = from[1];
+    to[4] = from[2];
+    to[8] = from[3];
+    to[12] = from[0];
+  }
+  isFrameWritten = true;
+}
 
 }  // namespace Orvo::Kin

@@ -27,6 +27,9 @@ class FrameChains {
   /// Axes with these registers stay at 0, whatever the position says.
   void KeepAtZero(std::initializer_list<int> registers) { zeroRegisters_ = registers; }
 
+  /// Leaves frames as rows, where these are at hand, until they are asked for.
+  void PreferRows() { prefersRows_ = true; }
+
   /// Takes down the links from an element, or none where that is null, up to the root. Returns
   /// false for a link that only the general computation takes: there is no such frame then.
   /// Frames are numbered as they are added.
@@ -44,8 +47,23 @@ class FrameChains {
   /// Tells whether the latest Update() may have changed a frame.
   bool HasChanged(std::size_t number) const { return chains_[number].hasChanged; }
 
+  /// The kind of a frame, after Update().
+  Matrix43::Type Type(std::size_t number) const { return chains_[number].frame.type; }
+
   /// A frame, after Update().
-  const TypedFrame& Frame(std::size_t number) const { return chains_[number].frame; }
+  const TypedFrame& Frame(std::size_t number) {
+    Chain& chain = chains_[number];
+    if (!chain.isFrameWritten) {
+      chain.WriteFrame();
+    }
+    return chain.frame;
+  }
+
+  /// Tells whether Rows() holds a frame.
+  bool HasRows(std::size_t number) const { return isWide_ && prefersRows_ && chains_[number].isExact; }
+
+  /// A frame, after Update(), as StoreRowsWide() writes it.
+  const double* Rows(std::size_t number) const { return chains_[number].rows; }
 
  private:
   /// How a link is multiplied onto the product of those before it, and the kind of the product.
@@ -55,21 +73,28 @@ class FrameChains {
   };
 
   struct Chain {
+    /// So few links are multiplied as quickly as it is found out where the first change is.
+    bool IsShort() const { return steps.size() <= 16; }
+
     void FindProducts();
     std::size_t Resume();
     void Finish();
     template <typename Product>
     void MultiplyAs();
-    void MultiplyWide();
+    void MultiplyWide(bool writesFrame);
+    void WriteFrame();
 
     Axes axes = Axes::All;
     std::vector<std::uint32_t> links;  // from the element to the root, by number, until Prepare()
     std::vector<Step> steps;           // from then on, of the same
     bool isExact = true;               // the fourth rows of all links are exactly (0, 0, 0, 1)
     bool areKindsKnown = false;
+    std::size_t firstMoving = 0;  // the first place of an axis that counts
     std::size_t firstChange = 0;  // the first place whose link changed since the last product
     bool hasChanged = false;
-    TypedFrame frame;
+    bool isFrameWritten = true;
+    alignas(32) TypedFrame frame;
+    alignas(32) double rows[12] = {};
 
     // The product of the links before a place, where the last change began: by columns, or by
     // rows where these are multiplied.
@@ -82,29 +107,32 @@ class FrameChains {
     KeptLink* link;
     Chain* chain;
     std::size_t place;
+    const Use* next = nullptr;  // of the same link
   };
 
-  /// An axis that counts, with the value that its link is computed for, and its places.
+  /// An axis that counts, with the value that its link is computed for.
   struct Axis {
     std::size_t reg;
     double value;
     KeptLink* link;
-    const Use* firstUse;
-    const Use* endOfUses;
+    unsigned chains;      // those that it moves, a bit to each
+    const Use* firstUse;  // null where chains are short
   };
 
   static void TakeIn(const Axis& axis);
-  bool SetAxisValues(const double* values);
+  unsigned SetAxisValues(const double* values);
+  void ForgetKinds(unsigned chains);
 
   std::vector<int> zeroRegisters_;
   std::unordered_map<const Entity*, std::uint32_t> linkOfEntity_;  // until Prepare()
   std::vector<KeptLink> links_;
   std::vector<Chain> chains_;
-  std::vector<Use> uses_;  // by register and link
+  std::vector<Use> uses_;  // by link
   std::vector<Axis> linearAxes_;
   std::vector<Axis> rotaryAxes_;
   std::size_t registerBound_ = 0;
   bool isComputed_ = false;
+  bool prefersRows_ = false;
   bool isWide_ = HasWideLanes();
 };
 

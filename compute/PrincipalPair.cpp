@@ -16,6 +16,10 @@ constexpr double SmallestToSquare = 1e-140;
 
 bool IsRootOfSquare(double x) { return !(std::fabs(x) < SmallestToSquare) || x == 0.0; }
 
+// Returns an angle of 0 or more with its sign turned around where a number is below 0; that of -0
+// isn't.
+double WithSignOf(double number, double angle) { return std::copysign(angle, number + 0.0); }
+
 /// One of X, Y and Z, as it is or reversed.
 struct ExactAxis {
   Direction direction;
@@ -88,8 +92,8 @@ bool PrincipalPair::Solve(RequestedDirection target, RotaryAngles* angles) const
   const double beta1 = std::atan2(size, unitSide);
   const double beta2 = std::atan2(size, -unitSide);
   RotaryAngles found;
-  found.beta[0] = turn < 0.0 ? -beta1 : beta1;
-  found.beta[1] = -turn < 0.0 ? -beta2 : beta2;
+  found.beta[0] = WithSignOf(turn, beta1);
+  found.beta[1] = WithSignOf(-turn, beta2);
 
   // From the tool to a tip.
   if (isToolAlongAxis2_) {
@@ -100,8 +104,8 @@ bool PrincipalPair::Solve(RequestedDirection target, RotaryAngles* angles) const
     const double cosine1 = toolSign_ * tip1Sign_ * unitChord;
     const double alpha1 = std::atan2(std::fabs(rise), cosine1);
     const double alpha2 = std::atan2(std::fabs(rise), -cosine1);
-    found.alpha[0] = rise < 0.0 ? -alpha1 : alpha1;
-    found.alpha[1] = rise < 0.0 ? -alpha2 : alpha2;
+    found.alpha[0] = WithSignOf(rise, alpha1);
+    found.alpha[1] = WithSignOf(rise, alpha2);
   }
   found.count = AreTwoSolutions(found) ? 2 : 1;
   *angles = found;

@@ -1,6 +1,7 @@
 #include "compute/TableFromHead.h"
 
 #include "compute/ToolOffset.h"
+#include "geometry/WideRows.h"
 
 namespace Orvo::Kin {
 
@@ -11,10 +12,12 @@ enum Chain : std::size_t { Head, Table };
 }  // namespace
 
 bool TableFromHead::Build(const Entity& head, const Entity& table) {
+  chains_.PreferRows();
   if (!chains_.Add(&head, FrameChains::Axes::All) || !chains_.Add(&table, FrameChains::Axes::All)) {
     return false;
   }
   chains_.Prepare();
+  hasRows_ = chains_.HasRows(Head) && chains_.HasRows(Table);
   return true;
 }
 
@@ -25,7 +28,7 @@ void TableFromHead::Compute(const double* values, const Vector3D& offset,
     isRigid_ = IsRigid();
   }
 #ifdef ORVO_WIDE
-  if (isRigid_ && isWide_) {
+  if (isRigid_ && hasRows_) {
     PlaceAndMoveWide(!hasChanged, offset, tableFromToolPoint);
     return;
   }
@@ -42,8 +45,8 @@ void TableFromHead::Compute(const double* values, const Vector3D& offset,
 
 // Tells whether the product of the inverse and the other frame has no shortcuts and is rigid.
 inline bool TableFromHead::IsRigid() const {
-  const Matrix43::Type head = chains_.Frame(Head).type;
-  return chains_.Frame(Table).type == Matrix43::RotationTranslation &&
+  const Matrix43::Type head = chains_.Type(Head);
+  return chains_.Type(Table) == Matrix43::RotationTranslation &&
          (head == Matrix43::RotationTranslation || head == Matrix43::Rotation);
 }
 
@@ -88,11 +91,15 @@ ORVO_WIDE void TableFromHead::PlaceAndMoveWide(bool isPlaced, const Vector3D& of
                                                Matrix43* tableFromToolPoint) {
   WideFrame frame = LoadWide(tableFromHead_.elements);
   if (!isPlaced) {
-    const double* const worldFromTable = chains_.Frame(Table).elements;
-    WideFrame tableFromWorld = TransposeWide(worldFromTable);
-    tableFromWorld.t = NegativeWide(CombineColumns(tableFromWorld, worldFromTable + 12) +
-                                    LoadWide(IdentityFrame).t);
-    frame = MultiplyFrameWide(ProductRule::Affine, tableFromWorld, chains_.Frame(Head).elements);
+    const double* const table = chains_.Rows(Table);
+    const double* const head = chains_.Rows(Head);
+    const WideTriple tableFromWorld = DirectionsOfRows(LoadRowsWide(table));
+    const __m256d originOfWorld =
+        NegativeWide(CombineWide(tableFromWorld, table) + LoadWide(IdentityFrame).t);
+    const WideTriple image = {CombineWide(tableFromWorld, head + 1),
+                              CombineWide(tableFromWorld, head + 2),
+                              CombineWide(tableFromWorld, head + 3)};
+    frame = JoinColumns(image, CombineWide(tableFromWorld, head) + originOfWorld);
     StoreWide(frame, tableFromHead_.elements);
     tableFromHead_.type = Matrix43::RotationTranslation;
   }

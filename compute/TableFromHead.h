@@ -28,11 +28,11 @@ class TableFromHead {
   void PlaceAndMoveWide(bool isPlaced, const Vector3D& offset, Matrix43* tableFromToolPoint);
 
   FrameChains chains_;
-  bool isWide_ = HasWideLanes();
+  bool hasRows_ = false;
 
   // The frame; where it is rigid, as nearly always, it is moved by the offset alone.
   bool isRigid_ = false;
-  TypedFrame tableFromHead_{};
+  alignas(32) TypedFrame tableFromHead_{};
 };
 
 }  // namespace Orvo::Kin

@@ -27,18 +27,16 @@ ORVO_WIDE inline void StoreRowsWide(const WideRows& rows, double* to) {
   _mm256_storeu_pd(to + 8, rows.z);
 }
 
+/// Loads one of the first three rows of a frame, number by number, as these may have been stored.
+ORVO_WIDE inline __m256d RowOfFrame(const double* m, int row) {
+  const __m128d tu = _mm_loadh_pd(_mm_load_sd(m + 12 + row), m + row);
+  const __m128d vw = _mm_loadh_pd(_mm_load_sd(m + 4 + row), m + 8 + row);
+  return _mm256_insertf128_pd(_mm256_castpd128_pd256(tu), vw, 1);
+}
+
 /// Loads the first three rows of a frame.
 ORVO_WIDE inline WideRows RowsOfFrame(const double* m) {
-  const __m256d u = LoadHalves(m);
-  const __m256d v = LoadHalves(m + 4);
-  const __m256d w = LoadHalves(m + 8);
-  const __m256d t = LoadHalves(m + 12);
-  const __m256d xzOfTu = _mm256_unpacklo_pd(t, u);
-  const __m256d xzOfVw = _mm256_unpacklo_pd(v, w);
-  const __m256d yOfTu = _mm256_unpackhi_pd(t, u);
-  const __m256d yOfVw = _mm256_unpackhi_pd(v, w);
-  return {_mm256_permute2f128_pd(xzOfTu, xzOfVw, 0x20), _mm256_permute2f128_pd(yOfTu, yOfVw, 0x20),
-          _mm256_permute2f128_pd(xzOfTu, xzOfVw, 0x31)};
+  return {RowOfFrame(m, 0), RowOfFrame(m, 1), RowOfFrame(m, 2)};
 }
 
 /// Returns the frame of some rows, column by column.
@@ -52,6 +50,21 @@ ORVO_WIDE inline WideFrame FrameOfRows(const WideRows& rows) {
           _mm256_permute2f128_pd(uwOfXy, uwOfZ, 0x31), _mm256_permute2f128_pd(tvOfXy, tvOfZ, 0x20)};
 }
 
+/// Returns the columns that the directions of rows are when they are transposed.
+ORVO_WIDE inline WideTriple DirectionsOfRows(const WideRows& rows) {
+  const __m256d zero = _mm256_setzero_pd();
+  const auto directions = [&zero](const __m256d& row) ORVO_WIDE {
+    return _mm256_shuffle_pd(row, _mm256_permute2f128_pd(row, zero, 0x21), 0b0101);
+  };
+  return {directions(rows.x), directions(rows.y), directions(rows.z)};
+}
+
+/// Returns the sum of three columns, times a column of rows in memory.
+ORVO_WIDE inline __m256d CombineWide(const WideTriple& columns, const double* rows) {
+  return columns.x * _mm256_broadcast_sd(rows) +
+         (columns.y * _mm256_broadcast_sd(rows + 4) + columns.z * _mm256_broadcast_sd(rows + 8));
+}
+
 /// Returns the directions of one row and the origin of another.
 ORVO_WIDE inline __m256d JoinRows(const __m256d& directions, const __m256d& origin) {
   return _mm256_blend_pd(directions, origin, 0b0001);
@@ -59,8 +72,9 @@ ORVO_WIDE inline __m256d JoinRows(const __m256d& directions, const __m256d& orig
 
 /// Returns a row with a number added to its origin.
 ORVO_WIDE inline __m256d MoveRow(const __m256d& row, const double* way) {
-  const __m128d origin = _mm_add_sd(_mm256_castpd256_pd128(row), _mm_load_sd(way));
-  return JoinRows(row, _mm256_castpd128_pd256(origin));
+  __m128d moved = _mm256_castpd256_pd128(row);
+  moved[0] += *way;
+  return JoinRows(row, _mm256_castpd128_pd256(moved));
 }
 
 ORVO_WIDE inline WideRows MoveRows(const WideRows& rows, const double* origin) {
@@ -73,9 +87,14 @@ ORVO_WIDE inline __m256d CombineRows(const double* a, int row, const WideRows& b
          (_mm256_broadcast_sd(a + 4 + row) * b.y + _mm256_broadcast_sd(a + 8 + row) * b.z);
 }
 
+/// Returns the product a * b less the origin of a.
+ORVO_WIDE inline WideRows ImageOfRows(const double* a, const WideRows& b) {
+  return {CombineRows(a, 0, b), CombineRows(a, 1, b), CombineRows(a, 2, b)};
+}
+
 /// Returns the product a * b by the rule for the kinds of the two, as MultiplyFrames() does; not
 /// for projective frames. Frequent rules come first: a jump by a table costs more than the sums.
-ORVO_WIDE inline WideRows MultiplyRowsWide(ProductRule rule, const double* a, const WideRows& b) {
+ORVO_WIDE __attribute__((always_inline)) inline WideRows MultiplyRowsWide(ProductRule rule, const double* a, const WideRows& b) {
   if (rule == ProductRule::RightMoved) {
     return MoveRows(b, a + 12);
   }
@@ -85,23 +104,23 @@ ORVO_WIDE inline WideRows MultiplyRowsWide(ProductRule rule, const double* a, co
                                                    : TurnWideZ(a[0], a[1], b),
                     a + 12);
   }
+  if (rule == ProductRule::LeftMoved) {
+    const WideRows left = RowsOfFrame(a);
+    const WideRows moved = MoveRows(ImageOfRows(a, b), a + 12);
+    return {JoinRows(left.x, moved.x), JoinRows(left.y, moved.y), JoinRows(left.z, moved.z)};
+  }
   const __m256d zero = _mm256_setzero_pd();
   if (rule == ProductRule::Shifted) {
     const WideRows none = {zero * b.x, zero * b.y, zero * b.z};
     return MoveRows({b.x + (none.y + none.z), none.x + (b.y + none.z), none.x + (none.y + b.z)},
                     a + 12);
   }
-  if (rule == ProductRule::Affine || rule == ProductRule::LeftMoved || rule == ProductRule::Turn) {
-    const WideRows image = {CombineRows(a, 0, b), CombineRows(a, 1, b), CombineRows(a, 2, b)};
-    if (rule == ProductRule::Turn) {
-      return {JoinRows(image.x, zero), JoinRows(image.y, zero), JoinRows(image.z, zero)};
-    }
-    const WideRows moved = MoveRows(image, a + 12);
-    if (rule == ProductRule::Affine) {
-      return moved;
-    }
-    const WideRows left = RowsOfFrame(a);
-    return {JoinRows(left.x, moved.x), JoinRows(left.y, moved.y), JoinRows(left.z, moved.z)};
+  if (rule == ProductRule::Affine || rule == ProductRule::Turn) {
+    const WideRows image = ImageOfRows(a, b);
+    return rule == ProductRule::Affine
+               ? MoveRows(image, a + 12)
+               : WideRows{JoinRows(image.x, zero), JoinRows(image.y, zero),
+                          JoinRows(image.z, zero)};
   }
   if (rule == ProductRule::RightTurned) {
     return {JoinRows(b.x, _mm256_set1_pd(a[12])), JoinRows(b.y, _mm256_set1_pd(a[13])),
