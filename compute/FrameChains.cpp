@@ -112,7 +112,7 @@ void FrameChains::Prepare() {
   }
 }
 
-bool FrameChains::Update(const double* values) {
+bool FrameChains::UpdateChains(const double* values) {
   const bool isFirst = !isComputed_;
   isComputed_ = true;
   unsigned changed = SetAxisValues(values);
@@ -266,18 +266,11 @@ ORVO_WIDE void FrameChains::Chain::MultiplyWide(bool writesFrame) {
   }
   Finish();
 }
-#endif
 
-void FrameChains::Chain::WriteFrame() {
-  for (std::size_t row = 0; row < 3; ++row) {
-    const double* const from = rows + 4 * row;
-    double* const to = frame.elements + row;
-    to[0] = from[1];
-    to[4] = from[2];
-    to[8] = from[3];
-    to[12] = from[0];
-  }
+ORVO_WIDE void FrameChains::Chain::WriteFrame() {
+  StoreWide(FrameOfRows(LoadRowsWide(rows)), frame.elements);
   isFrameWritten = true;
 }
+#endif
 
 }  // namespace Orvo::Kin

@@ -42,7 +42,9 @@ class FrameChains {
   std::size_t RegisterBound() const { return registerBound_; }
 
   /// Computes the frames for axis values by register; returns whether any may have changed.
-  bool Update(const double* values);
+  bool Update(const double* values) {
+    return (!isComputed_ || !rotaryAxes_.empty() || !linearAxes_.empty()) && UpdateChains(values);
+  }
 
   /// Tells whether the latest Update() may have changed a frame.
   bool HasChanged(std::size_t number) const { return chains_[number].hasChanged; }
@@ -53,14 +55,18 @@ class FrameChains {
   /// A frame, after Update().
   const TypedFrame& Frame(std::size_t number) {
     Chain& chain = chains_[number];
+#ifdef ORVO_WIDE
     if (!chain.isFrameWritten) {
       chain.WriteFrame();
     }
+#endif
     return chain.frame;
   }
 
   /// Tells whether Rows() holds a frame.
-  bool HasRows(std::size_t number) const { return isWide_ && prefersRows_ && chains_[number].isExact; }
+  bool HasRows(std::size_t number) const {
+    return isWide_ && prefersRows_ && chains_[number].isExact;
+  }
 
   /// A frame, after Update(), as StoreRowsWide() writes it.
   const double* Rows(std::size_t number) const { return chains_[number].rows; }
@@ -119,6 +125,7 @@ class FrameChains {
     const Use* firstUse;  // null where chains are short
   };
 
+  bool UpdateChains(const double* values);
   static void TakeIn(const Axis& axis);
   unsigned SetAxisValues(const double* values);
   void ForgetKinds(unsigned chains);

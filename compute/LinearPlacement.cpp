@@ -3,6 +3,7 @@
 #include "compute/SameValue.h"
 #include "compute/ToolOffset.h"
 #include "geometry/VectorKernel.h"
+#include "geometry/WideRows.h"
 
 namespace Orvo::Kin {
 
@@ -35,6 +36,7 @@ bool LinearPlacement::Build(const AxisChain& chain, const Kinematic& kinematic,
   if (foundNb != 3) {
     return false;
   }
+  chains_.PreferRows();
   chains_.KeepAtZero({registers[0].GetVal(), registers[1].GetVal(), registers[2].GetVal()});
   if (!chains_.Add(chain.Head(), FrameChains::Axes::All) ||
       !chains_.Add(chain.Table(), FrameChains::Axes::All)) {
@@ -49,6 +51,7 @@ bool LinearPlacement::Build(const AxisChain& chain, const Kinematic& kinematic,
     axes_[i].dir = entity->GetEntityLink().GetDir();
   }
   chains_.Prepare();
+  hasRows_ = chains_.HasRows(Table);
   return true;
 }
 
@@ -60,10 +63,18 @@ void LinearPlacement::Compute(const double* values, const Vector3D& offset, cons
     PlaceToolPoint(offset);
   }
   if (isOtherOffset || hasChanged) {
+    TurnAxes();
+#ifdef ORVO_WIDE
+    if (hasRows_ && IsRigid()) {
+      PlaceTableWide();
+    } else {
+      PlaceTable();
+    }
+#else
     PlaceTable();
+#endif
   }
-  const Lanes image = CombineColumns(axisValuesFromTable_, point[0], point[1], point[2]);
-  StoreLanes(*xyz, WithW(Add(image, origin_), 0.0));
+  StoreLanes(*xyz, WithW(ImageOfPoint(axisValuesFromTable_, point[0], point[1], point[2]), 0.0));
 }
 
 void LinearPlacement::PlaceToolPoint(const Vector3D& offset) {
@@ -71,6 +82,21 @@ void LinearPlacement::PlaceToolPoint(const Vector3D& offset) {
   TypedFrame headFromToolPoint;
   SetHeadFromToolPoint(offset, &headFromToolPoint);
   Multiply(chains_.Frame(Head), headFromToolPoint, &worldFromToolPoint_);
+}
+
+// Of the axes that rotary ones turn.
+void LinearPlacement::TurnAxes() {
+  for (std::size_t i = 0; i < 3; ++i) {
+    Axis& axis = axes_[i];
+    const std::size_t parent = FirstAxis + i;
+    if (!isPlaced_ || chains_.HasChanged(parent)) {
+      const TypedFrame& worldFromParent = chains_.Frame(parent);
+      const Lanes inWorld =
+          ApplyFrameToDirection(worldFromParent.elements, worldFromParent.type, axis.dir);
+      StoreLanes(axis.dirInWorld, Scale(inWorld, axis.sideSign));
+    }
+  }
+  isPlaced_ = true;
 }
 
 void LinearPlacement::PlaceTable() {
@@ -82,22 +108,40 @@ void LinearPlacement::PlaceTable() {
   // Deliberate: the directions count as orthonormal, whatever they are.
   Lanes dirsInTable[3];
   for (int i = 0; i < 3; ++i) {
-    Axis& axis = axes_[i];
-    const std::size_t parent = FirstAxis + static_cast<std::size_t>(i);
-    if (!isPlaced_ || chains_.HasChanged(parent)) {
-      const TypedFrame& worldFromParent = chains_.Frame(parent);
-      const Lanes inWorld =
-          ApplyFrameToDirection(worldFromParent.elements, worldFromParent.type, axis.dir);
-      StoreLanes(axis.dirInWorld, Scale(inWorld, axis.sideSign));
-    }
     dirsInTable[i] =
-        ApplyFrameToDirection(tableFromWorld.elements, tableFromWorld.type, axis.dirInWorld);
+        ApplyFrameToDirection(tableFromWorld.elements, tableFromWorld.type, axes_[i].dirInWorld);
   }
-  isPlaced_ = true;
-  axisValuesFromTable_ = Transpose({dirsInTable[0], dirsInTable[1], dirsInTable[2]});
-  const Lanes turned = CombineColumns(axisValuesFromTable_, toolPointInTable[0],
-                                      toolPointInTable[1], toolPointInTable[2]);
-  origin_ = Negative(Add(turned, LoadLanes(IdentityFrame + 12)));
+  const Directions axisValuesFromTable =
+      Transpose({dirsInTable[0], dirsInTable[1], dirsInTable[2]});
+  const Lanes turned = CombineColumns(axisValuesFromTable, toolPointInTable[0], toolPointInTable[1],
+                                      toolPointInTable[2]);
+  StoreLanes(axisValuesFromTable_, axisValuesFromTable.u);
+  StoreLanes(axisValuesFromTable_ + 4, axisValuesFromTable.v);
+  StoreLanes(axisValuesFromTable_ + 8, axisValuesFromTable.w);
+  StoreLanes(axisValuesFromTable_ + 12, Negative(Add(turned, LoadLanes(IdentityFrame + 12))));
 }
+
+#ifdef ORVO_WIDE
+// Tells whether no product of PlaceTable() has shortcuts.
+inline bool LinearPlacement::IsRigid() const {
+  return chains_.Type(Table) == Matrix43::RotationTranslation &&
+         (worldFromToolPoint_.type == Matrix43::RotationTranslation ||
+          worldFromToolPoint_.type == Matrix43::Translation);
+}
+
+ORVO_WIDE void LinearPlacement::PlaceTableWide() {
+  const WideInverse tableFromWorld = InvertStored(chains_.Rows(Table));
+  const WideTriple& directions = tableFromWorld.directions;
+  alignas(32) double toolPointInTable[4];
+  _mm256_store_pd(toolPointInTable, CombineColumns(directions, worldFromToolPoint_.elements + 12) +
+                                        tableFromWorld.origin);
+  const WideTriple axisValues = TransposeWide({CombineColumns(directions, axes_[0].dirInWorld),
+                                               CombineColumns(directions, axes_[1].dirInWorld),
+                                               CombineColumns(directions, axes_[2].dirInWorld)});
+  const __m256d turned = CombineColumns(axisValues, toolPointInTable);
+  StoreWide({axisValues.x, axisValues.y, axisValues.z, NegativeWide(turned + _mm256_setzero_pd())},
+            axisValuesFromTable_);
+}
+#endif
 
 }  // namespace Orvo::Kin

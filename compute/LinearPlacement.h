@@ -32,16 +32,19 @@ class LinearPlacement {
   };
 
   void PlaceToolPoint(const Vector3D& offset);
+  void TurnAxes();
   void PlaceTable();
+  void PlaceTableWide();
+  bool IsRigid() const;
 
   FrameChains chains_;
+  bool hasRows_ = false;
   Axis axes_[3];
 
   Vector3D offset_;  // that the frame is computed for
   TypedFrame worldFromToolPoint_{};
   bool isPlaced_ = false;
-  Directions axisValuesFromTable_{};
-  Lanes origin_{};
+  alignas(32) double axisValuesFromTable_[16] = {};
 };
 
 }  // namespace Orvo::Kin

@@ -32,8 +32,8 @@ class PrincipalPair {
   Direction across_ = Z;  // both
   double axis1Sign_ = 1.0;
   double toolSign_ = 1.0;
-  double tip1Sign_ = 1.0;   // of the first tip's coordinate across both axes
-  double alpha1Sign_ = 1.0; // of the first alpha, for a tool along axis2, or of one above axis1
+  double tip1Sign_ = 1.0;    // of the first tip's coordinate across both axes
+  double alpha1Sign_ = 1.0;  // of the first alpha, for a tool along axis2, or of one above axis1
 };
 
 }  // namespace Orvo::Kin

@@ -91,15 +91,12 @@ ORVO_WIDE void TableFromHead::PlaceAndMoveWide(bool isPlaced, const Vector3D& of
                                                Matrix43* tableFromToolPoint) {
   WideFrame frame = LoadWide(tableFromHead_.elements);
   if (!isPlaced) {
-    const double* const table = chains_.Rows(Table);
+    const WideInverse tableFromWorld = InvertStored(chains_.Rows(Table));
+    const WideTriple& directions = tableFromWorld.directions;
     const double* const head = chains_.Rows(Head);
-    const WideTriple tableFromWorld = DirectionsOfRows(LoadRowsWide(table));
-    const __m256d originOfWorld =
-        NegativeWide(CombineWide(tableFromWorld, table) + LoadWide(IdentityFrame).t);
-    const WideTriple image = {CombineWide(tableFromWorld, head + 1),
-                              CombineWide(tableFromWorld, head + 2),
-                              CombineWide(tableFromWorld, head + 3)};
-    frame = JoinColumns(image, CombineWide(tableFromWorld, head) + originOfWorld);
+    frame = JoinColumns({CombineStored(directions, head + 1), CombineStored(directions, head + 2),
+                         CombineStored(directions, head + 3)},
+                        CombineStored(directions, head) + tableFromWorld.origin);
     StoreWide(frame, tableFromHead_.elements);
     tableFromHead_.type = Matrix43::RotationTranslation;
   }

@@ -9,6 +9,9 @@
 // Not on Windows, where g++ may put such registers on the stack unaligned.
 #if defined(__x86_64__) && defined(__GNUC__) && !defined(_WIN32)
 #define ORVO_WIDE __attribute__((target("avx")))
+// Always in the caller, however much the compiler optimizes: between functions, frames go by
+// memory.
+#define ORVO_WIDE_INLINE __attribute__((target("avx"), always_inline)) inline
 #include <immintrin.h>
 #endif
 
@@ -26,54 +29,6 @@ struct WideFrame {
   __m256d t;
 };
 
-ORVO_WIDE inline WideFrame LoadWide(const double* m) {
-  return {_mm256_loadu_pd(m), _mm256_loadu_pd(m + 4), _mm256_loadu_pd(m + 8),
-          _mm256_loadu_pd(m + 12)};
-}
-
-ORVO_WIDE inline void StoreWide(const WideFrame& frame, double* m) {
-  _mm256_storeu_pd(m, frame.u);
-  _mm256_storeu_pd(m + 4, frame.v);
-  _mm256_storeu_pd(m + 8, frame.w);
-  _mm256_storeu_pd(m + 12, frame.t);
-}
-
-/// Loads a column that was stored in halves: a processor is slow to load it whole soon afterwards.
-ORVO_WIDE inline __m256d LoadHalves(const double* column) {
-  return _mm256_insertf128_pd(_mm256_castpd128_pd256(_mm_load_pd(column)), _mm_load_pd(column + 2),
-                              1);
-}
-
-ORVO_WIDE inline __m256d NegativeWide(const __m256d& a) {
-  return _mm256_xor_pd(a, _mm256_set1_pd(-0.0));
-}
-
-/// Returns the transposed directions of a frame with the fourth row 0; without an origin.
-ORVO_WIDE inline WideFrame TransposeWide(const double* m) {
-  const __m256d zero = _mm256_setzero_pd();
-  const __m256d u = LoadHalves(m);
-  const __m256d v = LoadHalves(m + 4);
-  const __m256d w = LoadHalves(m + 8);
-  const __m256d xzOfUv = _mm256_unpacklo_pd(u, v);
-  const __m256d xzOfW = _mm256_unpacklo_pd(w, zero);
-  return {_mm256_permute2f128_pd(xzOfUv, xzOfW, 0x20),
-          _mm256_permute2f128_pd(_mm256_unpackhi_pd(u, v), _mm256_unpackhi_pd(w, zero), 0x20),
-          _mm256_permute2f128_pd(xzOfUv, xzOfW, 0x31), zero};
-}
-
-ORVO_WIDE inline __m256d CombineColumns(const WideFrame& m, const double* p) {
-  return m.u * _mm256_broadcast_sd(p) +
-         (m.v * _mm256_broadcast_sd(p + 1) + m.w * _mm256_broadcast_sd(p + 2));
-}
-
-/// The same x, y, z with the fourth row of a direction, 0, or of an origin, 1.
-ORVO_WIDE inline __m256d AsDirection(const __m256d& a) {
-  return _mm256_blend_pd(a, _mm256_setzero_pd(), 0b1000);
-}
-ORVO_WIDE inline __m256d AsOrigin(const __m256d& a) {
-  return _mm256_blend_pd(a, _mm256_set1_pd(1.0), 0b1000);
-}
-
 /// Three rows or three columns.
 struct WideTriple {
   __m256d x;
@@ -81,10 +36,60 @@ struct WideTriple {
   __m256d z;
 };
 
+ORVO_WIDE_INLINE WideFrame LoadWide(const double* m) {
+  return {_mm256_loadu_pd(m), _mm256_loadu_pd(m + 4), _mm256_loadu_pd(m + 8),
+          _mm256_loadu_pd(m + 12)};
+}
+
+ORVO_WIDE_INLINE void StoreWide(const WideFrame& frame, double* m) {
+  _mm256_storeu_pd(m, frame.u);
+  _mm256_storeu_pd(m + 4, frame.v);
+  _mm256_storeu_pd(m + 8, frame.w);
+  _mm256_storeu_pd(m + 12, frame.t);
+}
+
+/// Loads a column that was stored in halves: a processor is slow to load it whole soon afterwards.
+ORVO_WIDE_INLINE __m256d LoadHalves(const double* column) {
+  return _mm256_insertf128_pd(_mm256_castpd128_pd256(_mm_load_pd(column)), _mm_load_pd(column + 2),
+                              1);
+}
+
+ORVO_WIDE_INLINE __m256d NegativeWide(const __m256d& a) {
+  return _mm256_xor_pd(a, _mm256_set1_pd(-0.0));
+}
+
+/// Returns three columns that are transposed, with the fourth row 0.
+ORVO_WIDE_INLINE WideTriple TransposeWide(const WideTriple& m) {
+  const __m256d zero = _mm256_setzero_pd();
+  const __m256d xzOfXy = _mm256_unpacklo_pd(m.x, m.y);
+  const __m256d xzOfZ = _mm256_unpacklo_pd(m.z, zero);
+  return {_mm256_permute2f128_pd(xzOfXy, xzOfZ, 0x20),
+          _mm256_permute2f128_pd(_mm256_unpackhi_pd(m.x, m.y), _mm256_unpackhi_pd(m.z, zero), 0x20),
+          _mm256_permute2f128_pd(xzOfXy, xzOfZ, 0x31)};
+}
+
+/// Returns X * p[0] + (Y * p[1] + Z * p[2]).
+ORVO_WIDE_INLINE __m256d CombineColumns(const WideTriple& columns, const double* p) {
+  return columns.x * _mm256_broadcast_sd(p) +
+         (columns.y * _mm256_broadcast_sd(p + 1) + columns.z * _mm256_broadcast_sd(p + 2));
+}
+
+ORVO_WIDE_INLINE __m256d CombineColumns(const WideFrame& m, const double* p) {
+  return CombineColumns(WideTriple{m.u, m.v, m.w}, p);
+}
+
+/// The same x, y, z with the fourth row of a direction, 0, or of an origin, 1.
+ORVO_WIDE_INLINE __m256d AsDirection(const __m256d& a) {
+  return _mm256_blend_pd(a, _mm256_setzero_pd(), 0b1000);
+}
+ORVO_WIDE_INLINE __m256d AsOrigin(const __m256d& a) {
+  return _mm256_blend_pd(a, _mm256_set1_pd(1.0), 0b1000);
+}
+
 /// Returns the product of a turn about X, by its cosine and sine, and the matrix of some rows: the
 /// sums of all products in their order, those with 0 for the signs of zeros and for what is not
 /// finite.
-ORVO_WIDE inline WideTriple TurnWideX(double cosine, double sine, const WideTriple& b) {
+ORVO_WIDE_INLINE WideTriple TurnWideX(double cosine, double sine, const WideTriple& b) {
   const __m256d c = _mm256_set1_pd(cosine);
   const __m256d s = _mm256_set1_pd(sine);
   const __m256d zero = _mm256_setzero_pd();
@@ -93,7 +98,7 @@ ORVO_WIDE inline WideTriple TurnWideX(double cosine, double sine, const WideTrip
 }
 
 /// The same for a turn about Y.
-ORVO_WIDE inline WideTriple TurnWideY(double cosine, double sine, const WideTriple& b) {
+ORVO_WIDE_INLINE WideTriple TurnWideY(double cosine, double sine, const WideTriple& b) {
   const __m256d c = _mm256_set1_pd(cosine);
   const __m256d s = _mm256_set1_pd(sine);
   const __m256d zero = _mm256_setzero_pd();
@@ -102,7 +107,7 @@ ORVO_WIDE inline WideTriple TurnWideY(double cosine, double sine, const WideTrip
 }
 
 /// The same for a turn about Z.
-ORVO_WIDE inline WideTriple TurnWideZ(double cosine, double sine, const WideTriple& b) {
+ORVO_WIDE_INLINE WideTriple TurnWideZ(double cosine, double sine, const WideTriple& b) {
   const __m256d c = _mm256_set1_pd(cosine);
   const __m256d s = _mm256_set1_pd(sine);
   const __m256d zero = _mm256_setzero_pd();
@@ -111,14 +116,14 @@ ORVO_WIDE inline WideTriple TurnWideZ(double cosine, double sine, const WideTrip
 }
 
 /// Returns a frame with the fourth row (0, 0, 0, 1).
-ORVO_WIDE inline WideFrame JoinColumns(const WideTriple& directions, const __m256d& origin) {
+ORVO_WIDE_INLINE WideFrame JoinColumns(const WideTriple& directions, const __m256d& origin) {
   return {AsDirection(directions.x), AsDirection(directions.y), AsDirection(directions.z),
           AsOrigin(origin)};
 }
 
 /// Returns the product of two frames as MultiplyFrames() does. The fourth row of both is exactly
 /// (0, 0, 0, 1). Frequent rules come first: a jump by a table costs more than the sums.
-ORVO_WIDE inline WideFrame MultiplyFrameWide(ProductRule rule, const WideFrame& a,
+ORVO_WIDE_INLINE WideFrame MultiplyFrameWide(ProductRule rule, const WideFrame& a,
                                              const double* b) {
   if (rule == ProductRule::LeftMoved) {
     return {a.u, a.v, a.w, AsOrigin(CombineColumns(a, b + 12) + a.t)};

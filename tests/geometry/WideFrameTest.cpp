@@ -186,7 +186,9 @@ TEST(WideFrame, ShiftsAsTheKernelMultipliesBitForBit) {
 }
 
 ORVO_WIDE void TransposeColumns(const Frame16& frame, double* transposed) {
-  StoreWide(TransposeWide(frame.m), transposed);
+  const WideFrame m = LoadWide(frame.m);
+  const WideTriple columns = TransposeWide({m.u, m.v, m.w});
+  StoreWide({columns.x, columns.y, columns.z, m.t}, transposed);
 }
 
 TEST(WideFrame, TransposesAsTheKernel) {
@@ -205,6 +207,29 @@ TEST(WideFrame, TransposesAsTheKernel) {
     StoreLanes(kernel.m + 4, expected.v);
     StoreLanes(kernel.m + 8, expected.w);
     ASSERT_TRUE(SameBits(transposed.m, kernel.m, 12, "the directions'")) << i;
+  }
+}
+
+ORVO_WIDE void InvertByRows(const Frame16& frame, double* inverse) {
+  alignas(32) double rows[12];
+  StoreRowsWide(RowsOfFrame(frame.m), rows);
+  const WideInverse found = InvertStored(rows);
+  StoreWide(JoinColumns(found.directions, found.origin), inverse);
+}
+
+TEST(WideFrame, InvertsStoredRowsAsTheKernel) {
+  if (!HasWideLanes()) {
+    return;
+  }
+  TestRandom random;
+  SCOPED_TRACE(random.Trace());
+  for (int i = 0; i < 4000; ++i) {
+    const Frame16 frame = WithExactFourthRow(DrawFrame(random));
+    Frame16 inverse;
+    InvertByRows(frame, inverse.m);
+    Frame16 expected;
+    InvertRigid(frame.m, Matrix43::RotationTranslation, expected.m);
+    ASSERT_TRUE(SameBits(inverse.m, expected.m, 16, "the inverse's")) << i;
   }
 }
 
