@@ -68,7 +68,6 @@ bool FrameChains::Add(const Entity* element, Axes axes) {
   }
   SetIdentity(&chain.frame);
   CopyFrame(IdentityFrame, chain.kept);
-  std::copy(IdentityFrame + 4, IdentityFrame + 16, chain.rows);
   chains_.push_back(std::move(chain));
   return true;
 }

@@ -63,9 +63,9 @@ class FrameChains {
     return chain.frame;
   }
 
-  /// Tells whether Rows() holds a frame.
+  /// Tells whether Rows() holds a frame; not that of a null element.
   bool HasRows(std::size_t number) const {
-    return isWide_ && prefersRows_ && chains_[number].isExact;
+    return isWide_ && prefersRows_ && chains_[number].isExact && !chains_[number].steps.empty();
   }
 
   /// A frame, after Update(), as StoreRowsWide() writes it.

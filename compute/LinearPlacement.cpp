@@ -65,7 +65,7 @@ void LinearPlacement::Compute(const double* values, const Vector3D& offset, cons
   if (isOtherOffset || hasChanged) {
     TurnAxes();
 #ifdef ORVO_WIDE
-    if (hasRows_ && IsRigid()) {
+    if (hasRows_ && chains_.Type(Table) == Matrix43::RotationTranslation) {
       PlaceTableWide();
     } else {
       PlaceTable();
@@ -122,13 +122,7 @@ void LinearPlacement::PlaceTable() {
 }
 
 #ifdef ORVO_WIDE
-// Tells whether no product of PlaceTable() has shortcuts.
-inline bool LinearPlacement::IsRigid() const {
-  return chains_.Type(Table) == Matrix43::RotationTranslation &&
-         (worldFromToolPoint_.type == Matrix43::RotationTranslation ||
-          worldFromToolPoint_.type == Matrix43::Translation);
-}
-
+// PlaceTable() where its products have no shortcuts. The tool point's frame is never an Identity.
 ORVO_WIDE void LinearPlacement::PlaceTableWide() {
   const WideInverse tableFromWorld = InvertStored(chains_.Rows(Table));
   const WideTriple& directions = tableFromWorld.directions;

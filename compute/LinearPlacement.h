@@ -35,7 +35,6 @@ class LinearPlacement {
   void TurnAxes();
   void PlaceTable();
   void PlaceTableWide();
-  bool IsRigid() const;
 
   FrameChains chains_;
   bool hasRows_ = false;

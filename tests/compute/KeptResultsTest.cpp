@@ -216,6 +216,32 @@ TEST(KeptResults, TellZerosApart) {
   }
 }
 
+// Where the tool stands at the table's origin and all directions are positive, the signs of zeros in
+// the values tell how sums were formed.
+TEST(KeptResults, SolveForZerosAsThePlainComputation) {
+  Machine machine;
+  AddLinear(machine, -1, AxisX, 0);
+  AddLinear(machine, 1, AxisY, 1);
+  AddLinear(machine, 2, AxisZ, 2);
+  AddRotary(machine, 3, NullVector, AxisX, 3);
+  AddHead(machine, 4);
+  AddRotary(machine, -1, NullVector, AxisZ, 4);
+  AddTable(machine, 6);
+  ASSERT_TRUE(machine.Finish());
+  MachineCompute compute(machine);
+  for (const double angle : {30.0, 90.0, 360.0, -30.0}) {
+    for (int signs = 0; signs < 64; ++signs) {
+      const auto zero = [signs](int bit) { return (signs >> bit & 1) != 0 ? -0.0 : 0.0; };
+      Question q = WithPosition({0, 0, 0, angle, angle});
+      q.rotaries[0] = 3;
+      q.rotaries[1] = 4;
+      q.offset = Vector3D(zero(0), zero(1), zero(2));
+      q.point = Vector3D(zero(3), zero(4), zero(5));
+      EXPECT_EQ(Answer(compute, q), PlainAnswer(machine, q)) << angle << " " << signs;
+    }
+  }
+}
+
 // Each register in turn moves alone, there and back.
 TEST(KeptResults, FollowEachRegister) {
   const Machine machine = SampleMachine();
