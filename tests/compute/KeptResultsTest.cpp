@@ -216,9 +216,11 @@ TEST(KeptResults, TellZerosApart) {
   }
 }
 
-// Where the tool stands at the table's origin and all directions are positive, the signs of zeros in
-// the values tell how sums were formed.
+// Where the tool stands at the table's origin and no direction has a number below 0, the signs of
+// zeros in the values tell how sums were formed.
 TEST(KeptResults, SolveForZerosAsThePlainComputation) {
+  Matrix43 cycle;
+  cycle.SetUVW(AxisY, AxisZ, AxisX);
   Machine machine;
   AddFixed(machine, -1, Matrix43());
   AddLinear(machine, 1, AxisX, 0);
@@ -227,15 +229,17 @@ TEST(KeptResults, SolveForZerosAsThePlainComputation) {
   AddRotary(machine, 4, NullVector, AxisX, 3);
   AddHead(machine, 5);
   AddRotary(machine, 1, NullVector, AxisZ, 4);
+  AddTable(machine, 7, cycle);
   AddTable(machine, 7);
   ASSERT_TRUE(machine.Finish());
   MachineCompute compute(machine);
-  for (const double angle : {30.0, 90.0, 360.0, -30.0}) {
-    for (int signs = 0; signs < 64; ++signs) {
+  for (const double angle : {0.0, -0.0, 30.0, 360.0}) {
+    for (int signs = 0; signs < 128; ++signs) {
       const auto zero = [signs](int bit) { return (signs >> bit & 1) != 0 ? -0.0 : 0.0; };
       Question q = WithPosition({0, 0, 0, angle, angle});
       q.rotaries[0] = 3;
       q.rotaries[1] = 4;
+      q.table = signs >> 6;
       q.offset = Vector3D(zero(0), zero(1), zero(2));
       q.point = Vector3D(zero(3), zero(4), zero(5));
       ASSERT_EQ(Answer(compute, q), PlainAnswer(machine, q)) << angle << " " << signs;
