@@ -216,19 +216,19 @@ TEST(KeptResults, TellZerosApart) {
   }
 }
 
-// Where the tool stands at the table's origin and no direction has a number below 0, the signs of
-// zeros in the values tell how sums were formed.
+// Where the tool stands at the table's origin, the signs of zeros in the values tell how sums were
+// formed. The direction of X is reversed, zeros included, as X carries the table.
 TEST(KeptResults, SolveForZerosAsThePlainComputation) {
   Matrix43 cycle;
   cycle.SetUVW(AxisY, AxisZ, AxisX);
   Machine machine;
   AddFixed(machine, -1, Matrix43());
   AddLinear(machine, 1, AxisX, 0);
-  AddLinear(machine, 2, AxisY, 1);
+  AddLinear(machine, 1, AxisY, 1);
   AddLinear(machine, 3, AxisZ, 2);
   AddRotary(machine, 4, NullVector, AxisX, 3);
   AddHead(machine, 5);
-  AddRotary(machine, 1, NullVector, AxisZ, 4);
+  AddRotary(machine, 2, NullVector, AxisZ, 4);
   AddTable(machine, 7, cycle);
   AddTable(machine, 7);
   ASSERT_TRUE(machine.Finish());
