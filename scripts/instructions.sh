@@ -29,8 +29,8 @@ if ! grep -qw avx /proc/cpuinfo; then
   exit 0
 fi
 
-cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DORVO_BUILD_BENCHMARKS=ON \
-  -DORVO_BUILD_TOOLS=OFF -DBUILD_TESTING=OFF >/dev/null
+cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_FLAGS= \
+  -DORVO_BUILD_BENCHMARKS=ON -DORVO_BUILD_TOOLS=OFF -DBUILD_TESTING=OFF >/dev/null
 cmake --build "$build" --target orvo_repeat >/dev/null
 
 work_folder=$(mktemp -d)
