@@ -32,7 +32,7 @@ class FrameChains {
 
   /// Takes down the links from an element, or none where that is null, up to the root. Returns
   /// false for a link that only the general computation takes: there is no such frame then.
-  /// Frames are numbered as they are added.
+  /// Frames are numbered as they are added; there are at most 32.
   bool Add(const Entity* element, Axes axes);
 
   /// Ends the adding.
