@@ -68,7 +68,7 @@ bool AllFrames::Build(const std::vector<const Entity*>& entities, std::size_t fr
   return true;
 }
 
-void AllFrames::Compute(const double* values, Matrix43* frames) {
+bool AllFrames::Compute(const double* values, Matrix43* frames) {
   SetAxisValues(values);
   if (!areKindsKnown_) {
     FindProducts();
@@ -76,27 +76,30 @@ void AllFrames::Compute(const double* values, Matrix43* frames) {
 #ifdef ORVO_WIDE
   if (isWide_) {
     MultiplyWide(frames);
-    return;
+    return true;
   }
 #endif
   Multiply(frames);
+  return true;
 }
 
 inline void AllFrames::SetAxisValues(const double* values) {
-  for (Axis& axis : linearAxes_) {
-    const double value = values[axis.reg];
-    if (!IsSameValue(value, axis.value)) {
-      axis.value = value;
-      axis.link->SetTravel(value);
-    }
-  }
   for (Axis& axis : rotaryAxes_) {
     const double value = values[axis.reg];
     if (!IsSameValue(value, axis.value)) {
       axis.value = value;
       const Matrix43::Type typeBefore = axis.link->Frame().type;
       axis.link->SetTurn(value);
-      areKindsKnown_ = areKindsKnown_ && axis.link->Frame().type == typeBefore;
+      if (axis.link->Frame().type != typeBefore) {
+        areKindsKnown_ = false;
+      }
+    }
+  }
+  for (Axis& axis : linearAxes_) {
+    const double value = values[axis.reg];
+    if (!IsSameValue(value, axis.value)) {
+      axis.value = value;
+      axis.link->SetTravel(value);
     }
   }
 }

@@ -25,7 +25,8 @@ class AllFrames {
   std::size_t FrameNb() const { return frameNb_; }
 
   /// Writes the frames for axis values by register, each at the place of its element's id.
-  void Compute(const double* values, Matrix43* frames);
+  /// Returns true, so that a caller who does so as well can end with this call.
+  bool Compute(const double* values, Matrix43* frames);
 
  private:
   /// How the frame of an element comes about from its parent's and its link's, and its kind.

@@ -80,13 +80,11 @@ bool MachineCompute::ComputePositionMachine(const MachinePosition& pos,
                                             std::vector<Matrix43>* frames) {
   MachineComputeImplementation& record = *implementation_;
   const Machine& machine = *record.machine;
-  KeptResults* const kept = record.kept.Current(machine.kinematic_);
-  if (machine.finished_ && frames != nullptr && kept != nullptr) {
+  if (record.kept.AreCurrent(machine.kinematic_) && machine.finished_ && frames != nullptr) {
     const std::vector<double>& values = PositionAccess::Values(pos);
-    AllFrames* const all = kept->frames.Find({}, values.size());
+    AllFrames* const all = record.kept.frames.Find({}, values.size());
     if (all != nullptr && frames->size() == all->FrameNb()) {
-      all->Compute(values.data(), frames->data());
-      return true;
+      return all->Compute(values.data(), frames->data());
     }
   }
   return ComputeAllFramesAnew(pos, frames);
@@ -120,8 +118,7 @@ bool MachineCompute::ComputeAllFramesAnew(const MachinePosition& pos,
         return made->Build(record.entityOrder, frameNb);
       });
   if (all != nullptr) {
-    all->Compute(values.data(), frames->data());
-    return true;
+    return all->Compute(values.data(), frames->data());
   }
   for (const Entity* entity : record.entityOrder) {
     // Deliberate: a link that fails counts as the identity.
@@ -145,15 +142,13 @@ bool MachineCompute::ComputeMcsToToolTcs(const MachinePosition& pos, const HeadI
                                          Matrix43* frame) {
   MachineComputeImplementation& record = *implementation_;
   const Machine& machine = *record.machine;
-  KeptResults* const kept = record.kept.Current(machine.kinematic_);
-  if (machine.finished_ && frame != nullptr && kept != nullptr) {
+  if (record.kept.AreCurrent(machine.kinematic_) && machine.finished_ && frame != nullptr) {
     const std::vector<double>& values = PositionAccess::Values(pos);
     const KinematicImplementation& store = KinematicAccess::Store(machine.kinematic_);
     TableFromHead* const tableFromHead =
-        kept->tableFromHead.Find({store.Head(head), store.Table(table)}, values.size());
+        record.kept.tableFromHead.Find({store.Head(head), store.Table(table)}, values.size());
     if (tableFromHead != nullptr) {
-      tableFromHead->Compute(values.data(), offset, frame);
-      return true;
+      return tableFromHead->Compute(values.data(), offset, frame);
     }
   }
   return ComputeTableFromHeadAnew(pos, head, table, offset, frame);
@@ -186,8 +181,7 @@ bool MachineCompute::ComputeTableFromHeadAnew(const MachinePosition& pos, const 
         {headEntity, tableEntity}, values.size(),
         [&](TableFromHead* made) { return made->Build(*headEntity, *tableEntity); });
     if (tableFromHead != nullptr) {
-      tableFromHead->Compute(values.data(), offset, frame);
-      return true;
+      return tableFromHead->Compute(values.data(), offset, frame);
     }
   }
   Matrix43 worldFromHead;

@@ -17,6 +17,9 @@ void SetIdentity(TypedFrame* frame) {
   frame->type = Matrix43::Identity;
 }
 
+// So few links are multiplied as quickly as it is found out where the first change is.
+constexpr std::size_t ShortChain = 16;
+
 // The product of some links of a chain, to which more are added before it.
 class ProductInMemory {
  public:
@@ -80,26 +83,31 @@ void FrameChains::Prepare() {
                zeroRegisters_.end();
   };
   for (Chain& chain : chains_) {
-    for (std::size_t place = 0; place < chain.links.size(); ++place) {
-      KeptLink& link = links_[chain.links[place]];
-      chain.steps.push_back({&link});
+    for (const std::uint32_t number : chain.links) {
+      chain.steps.push_back({&links_[number]});
+    }
+    chain.firstChange = chain.keptPlace = chain.steps.data();
+    chain.end = chain.firstMoving = chain.steps.data() + chain.steps.size();
+    for (std::size_t i = 0; i < chain.links.size(); ++i) {
+      KeptLink& link = links_[chain.links[i]];
       if (isMoving(chain, link)) {
-        uses_.push_back({&link, &chain, place});
+        uses_.push_back({&link, &chain, chain.steps.data() + i});
       }
     }
     chain.links = {};
-    chain.firstMoving = chain.steps.size();
   }
   // In the order in which links are multiplied, as they were taken down.
   std::sort(uses_.begin(), uses_.end(), [](const Use& a, const Use& b) {
     return a.link != b.link ? std::less<>()(a.link, b.link) : std::less<>()(a.chain, b.chain);
   });
   const bool areShort = std::all_of(chains_.begin(), chains_.end(),
-                                    [](const Chain& chain) { return chain.IsShort(); });
+                                    [](const Chain& c) { return c.steps.size() <= ShortChain; });
   for (std::size_t i = 0; i < uses_.size(); ++i) {
     Use& use = uses_[i];
     const auto bit = 1U << static_cast<unsigned>(use.chain - chains_.data());
-    use.chain->firstMoving = std::min(use.chain->firstMoving, use.place);
+    if (use.chain->steps.size() <= ShortChain) {
+      use.chain->firstMoving = std::min(use.chain->firstMoving, use.place);
+    }
     std::vector<Axis>& axes = use.link->IsRotary() ? rotaryAxes_ : linearAxes_;
     if (i != 0 && uses_[i - 1].link == use.link) {
       axes.back().chains |= bit;
@@ -114,33 +122,17 @@ void FrameChains::Prepare() {
 bool FrameChains::UpdateChains(const double* values) {
   const bool isFirst = !isComputed_;
   isComputed_ = true;
-  unsigned changed = SetAxisValues(values);
+  const unsigned changed = SetAxisValues(values);
   if (changed == 0 && !isFirst) {
     return false;
   }
-  for (Chain& chain : chains_) {
-    if ((changed & 1U) != 0 && chain.IsShort()) {
-      chain.firstChange = std::min(chain.firstChange, chain.firstMoving);
-    }
-    changed >>= 1U;
-    chain.hasChanged = chain.firstChange < chain.steps.size();
-    if (chain.hasChanged) {
-      if (!chain.areKindsKnown) {
-        chain.FindProducts();
-      }
-      if (!chain.isExact) {
-        chain.MultiplyAs<ProductInMemory>();
-      } else {
 #ifdef ORVO_WIDE
-        if (isWide_) {
-          chain.MultiplyWide(!prefersRows_);
-          continue;
-        }
-#endif
-        chain.MultiplyAs<ProductInRows>();
-      }
-    }
+  if (isWide_) {
+    MultiplyWide(changed);
+    return true;
   }
+#endif
+  Multiply(changed);
   return true;
 }
 
@@ -186,10 +178,23 @@ void FrameChains::ForgetKinds(unsigned chains) {
   }
 }
 
+// Returns whether the product is another one.
+inline bool FrameChains::Chain::TakeIn(bool isMoved) {
+  if (isMoved) {
+    firstChange = std::min(firstChange, firstMoving);
+  }
+  hasChanged = firstChange != end;
+  if (hasChanged && !areKindsKnown) {
+    FindProducts();
+  }
+  return hasChanged;
+}
+
 // The kinds of products are known before their numbers are; they change when a rotary axis comes to
 // stand at 0, or leaves it. Products of exact unit axes need not be computed.
-void FrameChains::Chain::FindProducts() {
+__attribute__((noinline)) void FrameChains::Chain::FindProducts() {
   areKindsKnown = true;
+  areDirectionsStored = false;
   Matrix43::Type type = Matrix43::Identity;
   bool isShifted = true;
   for (Step& step : steps) {
@@ -203,71 +208,115 @@ void FrameChains::Chain::FindProducts() {
     }
     type = step.product.type;
   }
+  frame.type = type;
+  const auto hasRule = [this](const Step* step, ProductRule rule) {
+    return step != steps.data() && step[-1].product.rule == rule;
+  };
+  firstMove = end;
+  while (hasRule(firstMove, ProductRule::RightMoved)) {
+    --firstMove;
+  }
+  shift = hasRule(firstMove, ProductRule::Shifted) ? --firstMove : nullptr;
 }
 
 // Forgets the kept product where it no longer holds, and returns the place to go on from.
-inline std::size_t FrameChains::Chain::Resume() {
+inline const FrameChains::Step* FrameChains::Chain::Resume() {
   if (keptPlace > firstChange) {
-    keptPlace = 0;
+    keptPlace = steps.data();
     CopyFrame(IdentityFrame, kept);
   }
   return keptPlace;
 }
 
-inline void FrameChains::Chain::Finish() {
-  frame.type = steps.back().product.type;
-  firstChange = steps.size();
-}
-
 // Goes on from the kept product where that holds, and keeps the one before the first change.
 template <typename Product>
 inline void FrameChains::Chain::MultiplyAs() {
-  std::size_t place = Resume();
+  const Step* step = Resume();
   Product product(kept);
-  const auto precedeUpTo = [&](std::size_t endPlace) {
-    for (; place != endPlace; ++place) {
-      product.Precede(steps[place].product.rule, steps[place].link->Frame().elements);
+  const auto precedeUpTo = [&](const Step* place) {
+    for (; step != place; ++step) {
+      product.Precede(step->product.rule, step->link->Frame().elements);
     }
   };
-  if (keptPlace != firstChange) {
+  if (step != firstChange) {
     precedeUpTo(firstChange);
     product.Store(kept);
     keptPlace = firstChange;
   }
-  precedeUpTo(steps.size());
+  precedeUpTo(end);
   product.Store(frame.elements);
-  Finish();
+  firstChange = end;
+}
+
+__attribute__((noinline)) void FrameChains::Chain::MultiplyInMemory() {
+  MultiplyAs<ProductInMemory>();
+}
+
+// Multiplies the chains whose bits are set, and those that never were.
+void FrameChains::Multiply(unsigned changed) {
+  for (Chain& chain : chains_) {
+    if (chain.TakeIn((changed & 1U) != 0)) {
+      if (chain.isExact) {
+        chain.MultiplyAs<ProductInRows>();
+      } else {
+        chain.MultiplyInMemory();
+      }
+    }
+    changed >>= 1U;
+  }
 }
 
 #ifdef ORVO_WIDE
-// The same with wide rows, which are kept as they are.
-ORVO_WIDE void FrameChains::Chain::MultiplyWide(bool writesFrame) {
+// The same with wide rows, which are kept as they are. The last links mostly are linear axes and
+// what carries them: they only move the origin.
+ORVO_WIDE_INLINE void FrameChains::Chain::MultiplyWide() {
   double* const keptRows = kept + (IdentityRows - IdentityFrame);
-  const Step* step = steps.data() + Resume();
-  const Step* const change = steps.data() + firstChange;
-  const Step* const end = steps.data() + steps.size();
+  const Step* step = Resume();
   WideRows product = LoadRowsWide(keptRows);
-  if (step != change) {
-    for (; step != change; ++step) {
+  if (step != firstChange) {
+    for (; step != firstChange; ++step) {
       product = MultiplyRowsWide(step->product.rule, step->link->Frame().elements, product);
     }
     StoreRowsWide(product, keptRows);
     keptPlace = firstChange;
   }
+  if (step < firstMove || !areDirectionsStored) {
+    for (; step < firstMove; ++step) {
+      product = MultiplyRowsWide(step->product.rule, step->link->Frame().elements, product);
+    }
+    StoreRowsWide(product, rows.rows);
+    areDirectionsStored = true;
+  }
+  Lanes origin = OriginOfRows(product);
+  if (step == shift) {
+    origin = ImageOfPoint(step->link->Frame().elements, origin.xy[0], origin.xy[1], origin.zw[0]);
+    ++step;
+  }
   for (; step != end; ++step) {
-    product = MultiplyRowsWide(step->product.rule, step->link->Frame().elements, product);
+    const double* const way = step->link->Frame().elements + 12;
+    origin.xy = _mm_add_pd(origin.xy, _mm_load_pd(way));
+    origin.zw = _mm_add_sd(origin.zw, _mm_load_sd(way + 2));
   }
-  isFrameWritten = writesFrame;
-  if (writesFrame) {
-    StoreWide(FrameOfRows(product), frame.elements);
-  } else {
-    StoreRowsWide(product, rows);
+  StoreLanes(rows.origin, origin);
+  isFrameWritten = false;
+  firstChange = end;
+}
+
+ORVO_WIDE void FrameChains::MultiplyWide(unsigned changed) {
+  for (Chain& chain : chains_) {
+    if (chain.TakeIn((changed & 1U) != 0)) {
+      if (chain.isExact) {
+        chain.MultiplyWide();
+      } else {
+        chain.MultiplyInMemory();
+      }
+    }
+    changed >>= 1U;
   }
-  Finish();
 }
 
 ORVO_WIDE void FrameChains::Chain::WriteFrame() {
-  StoreWide(FrameOfRows(LoadRowsWide(rows)), frame.elements);
+  StoreWide(FrameOfRows(rows), frame.elements);
   isFrameWritten = true;
 }
 #endif

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "compute/KeptLink.h"
-#include "geometry/WideFrame.h"
+#include "geometry/WideRows.h"
 
 #include <Orvo/Kin/Entity.h>
 
@@ -26,9 +26,6 @@ class FrameChains {
 
   /// Axes with these registers stay at 0, whatever the position says.
   void KeepAtZero(std::initializer_list<int> registers) { zeroRegisters_ = registers; }
-
-  /// Leaves frames as rows, where these are at hand, until they are asked for.
-  void PreferRows() { prefersRows_ = true; }
 
   /// Takes down the links from an element, or none where that is null, up to the root. Returns
   /// false for a link that only the general computation takes: there is no such frame then.
@@ -65,11 +62,11 @@ class FrameChains {
 
   /// Tells whether Rows() holds a frame; not that of a null element.
   bool HasRows(std::size_t number) const {
-    return isWide_ && prefersRows_ && chains_[number].isExact && !chains_[number].steps.empty();
+    return isWide_ && chains_[number].isExact && !chains_[number].steps.empty();
   }
 
-  /// A frame, after Update(), as StoreRowsWide() writes it.
-  const double* Rows(std::size_t number) const { return chains_[number].rows; }
+  /// A frame, after Update(), as it is before Frame() asks for it.
+  const StoredRows& Rows(std::size_t number) const { return chains_[number].rows; }
 
  private:
   /// How a link is multiplied onto the product of those before it, and the kind of the product.
@@ -79,40 +76,48 @@ class FrameChains {
   };
 
   struct Chain {
-    /// So few links are multiplied as quickly as it is found out where the first change is.
-    bool IsShort() const { return steps.size() <= 16; }
-
+    bool TakeIn(bool isMoved);
     void FindProducts();
-    std::size_t Resume();
-    void Finish();
+    const Step* Resume();
     template <typename Product>
     void MultiplyAs();
-    void MultiplyWide(bool writesFrame);
+    void MultiplyInMemory();
+    void MultiplyWide();
     void WriteFrame();
 
     Axes axes = Axes::All;
     std::vector<std::uint32_t> links;  // from the element to the root, by number, until Prepare()
     std::vector<Step> steps;           // from then on, of the same
-    bool isExact = true;               // the fourth rows of all links are exactly (0, 0, 0, 1)
+    const Step* end = nullptr;
+    bool isExact = true;  // the fourth rows of all links are exactly (0, 0, 0, 1)
     bool areKindsKnown = false;
-    std::size_t firstMoving = 0;  // the first place of an axis that counts
-    std::size_t firstChange = 0;  // the first place whose link changed since the last product
     bool hasChanged = false;
-    bool isFrameWritten = true;
+
+    // The first place whose link changed since the last product. A short chain is taken to change
+    // from its first axis that counts, or nowhere: to find out more would take as long.
+    const Step* firstChange = nullptr;
+    const Step* firstMoving = nullptr;  // of a short chain
     alignas(32) TypedFrame frame;
-    alignas(32) double rows[12] = {};
 
     // The product of the links before a place, where the last change began: by columns, or by
     // rows where these are multiplied.
-    std::size_t keptPlace = 0;
-    alignas(32) double kept[16] = {};
+    const Step* keptPlace = nullptr;
+    alignas(32) double kept[16];
+
+    // With wide rows: the place from which on links only move the origin, and there the one that
+    // shifts it, if any. The directions are stored no more often than those before change.
+    const Step* firstMove = nullptr;
+    const Step* shift = nullptr;
+    bool areDirectionsStored = false;
+    bool isFrameWritten = true;
+    StoredRows rows{};
   };
 
   /// A place of a moving link in a chain.
   struct Use {
     KeptLink* link;
     Chain* chain;
-    std::size_t place;
+    const Step* place;
     const Use* next = nullptr;  // of the same link
   };
 
@@ -128,6 +133,8 @@ class FrameChains {
   bool UpdateChains(const double* values);
   static void TakeIn(const Axis& axis);
   unsigned SetAxisValues(const double* values);
+  void Multiply(unsigned changed);
+  void MultiplyWide(unsigned changed);
   void ForgetKinds(unsigned chains);
 
   std::vector<int> zeroRegisters_;
@@ -139,7 +146,6 @@ class FrameChains {
   std::vector<Axis> rotaryAxes_;
   std::size_t registerBound_ = 0;
   bool isComputed_ = false;
-  bool prefersRows_ = false;
   bool isWide_ = HasWideLanes();
 };
 

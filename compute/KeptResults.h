@@ -24,14 +24,26 @@ namespace Orvo::Kin {
 /// of the machine's elements makes all of it void at the next call.
 class KeptResults {
  public:
-  /// What a result depends on besides axis values.
-  struct Key {
+  // What a result depends on besides axis values. Compared by hand: the compiler's own comparison
+  // is a call.
+
+  struct NoKey {
+    bool operator==(const NoKey&) const { return true; }
+  };
+
+  struct Ends {
+    const Entity* head = nullptr;
+    const Entity* table = nullptr;
+
+    bool operator==(const Ends& other) const { return head == other.head && table == other.table; }
+  };
+
+  struct EndsAndRegisters {
     const Entity* head = nullptr;
     const Entity* table = nullptr;
     int registers[3] = {-1, -1, -1};
 
-    // By hand: the compiler's own compares memory by a call.
-    bool operator==(const Key& other) const {
+    bool operator==(const EndsAndRegisters& other) const {
       return head == other.head && table == other.table && registers[0] == other.registers[0] &&
              registers[1] == other.registers[1] && registers[2] == other.registers[2];
     }
@@ -39,7 +51,7 @@ class KeptResults {
 
   /// Results of one kind, by key. There are a few: enough for a program that goes from one head
   /// or table to another and back; more than that replace each other in turn.
-  template <typename Result>
+  template <typename Key, typename Result>
   class Shelf {
    public:
     /// Returns the result for a key and a position of a size, or null; for an empty one always.
@@ -97,11 +109,15 @@ class KeptResults {
     std::size_t next_ = 0;
   };
 
+  /// Tells whether the results are those of a machine as its elements are now, and may be taken.
+  bool AreCurrent(const Kinematic& kinematic) const {
+    return AreOf(KinematicAccess::Store(kinematic)) && !isOff_;
+  }
+
   /// Returns the kept results of a machine as its elements are now, or null where everything shall
   /// be computed plainly.
   KeptResults* Current(const Kinematic& kinematic) {
-    const KinematicImplementation& store = KinematicAccess::Store(kinematic);
-    if (&store != store_ || store.changeNb != changeNb_) {
+    if (!AreOf(KinematicAccess::Store(kinematic))) {
       Forget(kinematic);
     }
     return isOff_ ? nullptr : this;
@@ -110,12 +126,16 @@ class KeptResults {
   /// Has everything computed plainly from now on; to compare the two.
   void SwitchOff() { isOff_ = true; }
 
-  Shelf<AllFrames> frames;
-  Shelf<TableFromHead> tableFromHead;
-  Shelf<RotaryPlacement> rotary;
-  Shelf<LinearPlacement> linear;
+  Shelf<NoKey, AllFrames> frames;
+  Shelf<Ends, TableFromHead> tableFromHead;
+  Shelf<EndsAndRegisters, RotaryPlacement> rotary;
+  Shelf<EndsAndRegisters, LinearPlacement> linear;
 
  private:
+  bool AreOf(const KinematicImplementation& store) const {
+    return &store == store_ && store.changeNb == changeNb_;
+  }
+
   void Forget(const Kinematic& kinematic);
 
   // The store that all is taken from. Watched, so that no other one takes its address.

@@ -36,7 +36,6 @@ bool LinearPlacement::Build(const AxisChain& chain, const Kinematic& kinematic,
   if (foundNb != 3) {
     return false;
   }
-  chains_.PreferRows();
   chains_.KeepAtZero({registers[0].GetVal(), registers[1].GetVal(), registers[2].GetVal()});
   if (!chains_.Add(chain.Head(), FrameChains::Axes::All) ||
       !chains_.Add(chain.Table(), FrameChains::Axes::All)) {
@@ -55,7 +54,7 @@ bool LinearPlacement::Build(const AxisChain& chain, const Kinematic& kinematic,
   return true;
 }
 
-void LinearPlacement::Compute(const double* values, const Vector3D& offset, const Vector3D& point,
+bool LinearPlacement::Compute(const double* values, const Vector3D& offset, const Vector3D& point,
                               Vector3D* xyz) {
   const bool hasChanged = chains_.Update(values);
   const bool isOtherOffset = !isPlaced_ || !IsSameOffset(offset, offset_);
@@ -75,6 +74,7 @@ void LinearPlacement::Compute(const double* values, const Vector3D& offset, cons
 #endif
   }
   StoreLanes(*xyz, WithW(ImageOfPoint(axisValuesFromTable_, point[0], point[1], point[2]), 0.0));
+  return true;
 }
 
 void LinearPlacement::PlaceToolPoint(const Vector3D& offset) {

@@ -22,7 +22,8 @@ class LinearPlacement {
   std::size_t RegisterBound() const { return chains_.RegisterBound(); }
 
   /// Computes the values of the three axes that bring the tool point to a point of the table.
-  void Compute(const double* values, const Vector3D& offset, const Vector3D& point, Vector3D* xyz);
+  /// Returns true, so that a caller who does so as well can end with this call.
+  bool Compute(const double* values, const Vector3D& offset, const Vector3D& point, Vector3D* xyz);
 
  private:
   struct Axis {

@@ -33,17 +33,15 @@ bool MachineCompute::ComputeToolTcsToMcsXyz(const MachinePosition& pos, const He
   MachineComputeImplementation& record = *implementation_;
   const Machine& machine = *record.machine;
   const Register registers[3] = {x, y, z};
-  KeptResults* const kept = record.kept.Current(machine.kinematic_);
-  if (machine.finished_ && xyz != nullptr && kept != nullptr) {
+  if (record.kept.AreCurrent(machine.kinematic_) && machine.finished_ && xyz != nullptr) {
     const std::vector<double>& values = PositionAccess::Values(pos);
     const KinematicImplementation& store = KinematicAccess::Store(machine.kinematic_);
-    LinearPlacement* const placement = kept->linear.Find(
+    LinearPlacement* const placement = record.kept.linear.Find(
         {store.Head(head), store.Table(table), {x.GetVal(), y.GetVal(), z.GetVal()}},
         values.size());
     if (placement != nullptr) {
       SetToZero(registers, &record.SetScratch(values));
-      placement->Compute(values.data(), offset, point, xyz);
-      return true;
+      return placement->Compute(values.data(), offset, point, xyz);
     }
   }
   return ComputeLinearsAnew(pos, head, table, offset, registers, point, xyz);
@@ -88,8 +86,7 @@ bool MachineCompute::ComputeLinearsAnew(const MachinePosition& pos, const HeadIn
                             return made->Build(record.chain, machine.GetKinematic(), registers);
                           });
     if (placement != nullptr) {
-      placement->Compute(values.data(), offset, point, xyz);
-      return true;
+      return placement->Compute(values.data(), offset, point, xyz);
     }
   }
 

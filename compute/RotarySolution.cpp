@@ -71,7 +71,8 @@ bool MachineCompute::ComputeRotariesAnew(const MachinePosition& pos, const HeadI
   const std::vector<double>& values = PositionAccess::Values(pos);
   const KinematicImplementation& store = KinematicAccess::Store(record.machine->kinematic_);
   KeptResults* const kept = record.kept.Current(record.machine->kinematic_);
-  const KeptResults::Key key{store.Head(head), store.Table(table), {r0.GetVal(), r1.GetVal(), -1}};
+  const KeptResults::EndsAndRegisters key{
+      store.Head(head), store.Table(table), {r0.GetVal(), r1.GetVal(), -1}};
   RotaryPlacement* placement = kept == nullptr ? nullptr : kept->rotary.Find(key, values.size());
   Store(RotaryAngles(), sol);
   if (placement == nullptr && values.empty()) {

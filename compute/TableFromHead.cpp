@@ -12,7 +12,6 @@ enum Chain : std::size_t { Head, Table };
 }  // namespace
 
 bool TableFromHead::Build(const Entity& head, const Entity& table) {
-  chains_.PreferRows();
   if (!chains_.Add(&head, FrameChains::Axes::All) || !chains_.Add(&table, FrameChains::Axes::All)) {
     return false;
   }
@@ -21,7 +20,7 @@ bool TableFromHead::Build(const Entity& head, const Entity& table) {
   return true;
 }
 
-void TableFromHead::Compute(const double* values, const Vector3D& offset,
+bool TableFromHead::Compute(const double* values, const Vector3D& offset,
                             Matrix43* tableFromToolPoint) {
   const bool hasChanged = chains_.Update(values);
   if (hasChanged) {
@@ -29,8 +28,7 @@ void TableFromHead::Compute(const double* values, const Vector3D& offset,
   }
 #ifdef ORVO_WIDE
   if (isRigid_ && hasRows_) {
-    PlaceAndMoveWide(!hasChanged, offset, tableFromToolPoint);
-    return;
+    return PlaceAndMoveWide(!hasChanged, offset, tableFromToolPoint);
   }
 #endif
   if (hasChanged) {
@@ -41,6 +39,7 @@ void TableFromHead::Compute(const double* values, const Vector3D& offset,
     }
   }
   Move(offset, tableFromToolPoint);
+  return true;
 }
 
 // Tells whether the product of the inverse and the other frame has no shortcuts and is rigid.
@@ -76,7 +75,8 @@ void TableFromHead::PlaceRigid() {
   tableFromHead_.type = Matrix43::RotationTranslation;
 }
 
-void TableFromHead::Move(const Vector3D& offset, Matrix43* tableFromToolPoint) const {
+__attribute__((noinline)) void TableFromHead::Move(const Vector3D& offset,
+                                                   Matrix43* tableFromToolPoint) const {
   TypedFrame headFromToolPoint;
   SetHeadFromToolPoint(offset, &headFromToolPoint);
   FrameAccess::SetType(
@@ -87,16 +87,17 @@ void TableFromHead::Move(const Vector3D& offset, Matrix43* tableFromToolPoint) c
 
 #ifdef ORVO_WIDE
 // PlaceRigid(), where need be, and Move() with a column to a register.
-ORVO_WIDE void TableFromHead::PlaceAndMoveWide(bool isPlaced, const Vector3D& offset,
+ORVO_WIDE bool TableFromHead::PlaceAndMoveWide(bool isPlaced, const Vector3D& offset,
                                                Matrix43* tableFromToolPoint) {
   WideFrame frame = LoadWide(tableFromHead_.elements);
   if (!isPlaced) {
     const WideInverse tableFromWorld = InvertStored(chains_.Rows(Table));
     const WideTriple& directions = tableFromWorld.directions;
-    const double* const head = chains_.Rows(Head);
-    frame = JoinColumns({CombineStored(directions, head + 1), CombineStored(directions, head + 2),
-                         CombineStored(directions, head + 3)},
-                        CombineStored(directions, head) + tableFromWorld.origin);
+    const StoredRows& head = chains_.Rows(Head);
+    frame = JoinColumns(
+        {CombineStored(directions, head.rows + 1), CombineStored(directions, head.rows + 2),
+         CombineStored(directions, head.rows + 3)},
+        CombineColumns(directions, head.origin) + tableFromWorld.origin);
     StoreWide(frame, tableFromHead_.elements);
     tableFromHead_.type = Matrix43::RotationTranslation;
   }
@@ -106,6 +107,7 @@ ORVO_WIDE void TableFromHead::PlaceAndMoveWide(bool isPlaced, const Vector3D& of
   frame.t = AsOrigin(frame.u * x + (frame.v * y + frame.w * z) + frame.t);
   StoreWide(frame, FrameAccess::Elements(tableFromToolPoint));
   FrameAccess::SetType(tableFromToolPoint, Matrix43::RotationTranslation);
+  return true;
 }
 #endif
 

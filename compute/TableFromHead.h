@@ -18,14 +18,15 @@ class TableFromHead {
   std::size_t RegisterBound() const { return chains_.RegisterBound(); }
 
   /// Computes the frame with the tool point as origin, as ComputeMcsToToolTcs does, bit for bit.
-  void Compute(const double* values, const Vector3D& offset, Matrix43* tableFromToolPoint);
+  /// Returns true, so that a caller who does so as well can end with this call.
+  bool Compute(const double* values, const Vector3D& offset, Matrix43* tableFromToolPoint);
 
  private:
   bool IsRigid() const;
   void Place();
   void PlaceRigid();
   void Move(const Vector3D& offset, Matrix43* tableFromToolPoint) const;
-  void PlaceAndMoveWide(bool isPlaced, const Vector3D& offset, Matrix43* tableFromToolPoint);
+  bool PlaceAndMoveWide(bool isPlaced, const Vector3D& offset, Matrix43* tableFromToolPoint);
 
   FrameChains chains_;
   bool hasRows_ = false;

@@ -6,6 +6,13 @@
 
 namespace Orvo {
 
+/// A frame in memory with its directions row by row, each behind an arbitrary number, and its
+/// origin by itself, whose fourth row is arbitrary.
+struct StoredRows {
+  alignas(32) double rows[12];
+  alignas(16) double origin[4];
+};
+
 #ifdef ORVO_WIDE
 
 /// A frame in registers, a row to each, T before U, V and W: so that an addition can leave the
@@ -50,6 +57,19 @@ ORVO_WIDE_INLINE WideFrame FrameOfRows(const WideRows& rows) {
           _mm256_permute2f128_pd(uwOfXy, uwOfZ, 0x31), _mm256_permute2f128_pd(tvOfXy, tvOfZ, 0x20)};
 }
 
+/// Returns the frame of stored rows.
+ORVO_WIDE_INLINE WideFrame FrameOfRows(const StoredRows& stored) {
+  WideFrame frame = FrameOfRows(LoadRowsWide(stored.rows));
+  frame.t = AsOrigin(LoadHalves(stored.origin));
+  return frame;
+}
+
+/// Returns the origin of a frame, whose fourth row is arbitrary.
+ORVO_WIDE_INLINE Lanes OriginOfRows(const WideRows& rows) {
+  return {_mm_unpacklo_pd(_mm256_castpd256_pd128(rows.x), _mm256_castpd256_pd128(rows.y)),
+          _mm256_castpd256_pd128(rows.z)};
+}
+
 /// Returns X * p[0] + (Y * p[4] + Z * p[8]): a column of rows in memory under some directions.
 ORVO_WIDE_INLINE __m256d CombineStored(const WideTriple& columns, const double* p) {
   return columns.x * _mm256_broadcast_sd(p) +
@@ -62,15 +82,15 @@ struct WideInverse {
   __m256d origin;
 };
 
-/// Returns the inverse of a frame that StoreRowsWide() wrote, as InvertRigid() has it.
-ORVO_WIDE_INLINE WideInverse InvertStored(const double* rows) {
+/// Returns the inverse of a frame, as InvertRigid() has it.
+ORVO_WIDE_INLINE WideInverse InvertStored(const StoredRows& stored) {
   const __m256d zero = _mm256_setzero_pd();
   const auto directions = [&zero](const __m256d& row) ORVO_WIDE {
     return _mm256_shuffle_pd(row, _mm256_permute2f128_pd(row, zero, 0x21), 0b0101);
   };
-  const WideRows m = LoadRowsWide(rows);
+  const WideRows m = LoadRowsWide(stored.rows);
   const WideTriple columns = {directions(m.x), directions(m.y), directions(m.z)};
-  return {columns, NegativeWide(CombineStored(columns, rows) + zero)};
+  return {columns, NegativeWide(CombineColumns(columns, stored.origin) + zero)};
 }
 
 /// Returns the directions of one row and the origin of another.
