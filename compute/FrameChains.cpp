@@ -5,6 +5,7 @@
 #include "geometry/WideRows.h"
 
 #include <algorithm>
+#include <cmath>
 #include <functional>
 #include <utility>
 
@@ -19,6 +20,10 @@ void SetIdentity(TypedFrame* frame) {
 
 // So few links are multiplied as quickly as it is found out where the first change is.
 constexpr std::size_t ShortChain = 16;
+
+// Tells whether the sine and the cosine of a turn about X, Y or Z are numbers. The latter stands in
+// one of these two places at least.
+bool HasNumbers(const double* turn) { return !std::isnan(turn[0] * turn[5]); }
 
 // The product of some links of a chain, to which more are added before it.
 class ProductInMemory {
@@ -66,8 +71,11 @@ bool FrameChains::Add(const Entity* element, Axes axes) {
       // A register too many would fail the link, whether or not its value counts.
       registerBound_ = std::max(registerBound_, static_cast<std::size_t>(links_.back().Reg() + 1));
     }
-    chain.links.push_back(found->second);
-    chain.isExact = chain.isExact && HasExactFourthRow(links_[found->second].Frame());
+    const KeptLink& link = links_[found->second];
+    if (link.IsAxis() || link.Frame().type != Matrix43::Identity) {
+      chain.links.push_back(found->second);
+      chain.isExact = chain.isExact && HasExactFourthRow(link.Frame());
+    }
   }
   SetIdentity(&chain.frame);
   CopyFrame(IdentityFrame, chain.kept);
@@ -178,8 +186,8 @@ void FrameChains::ForgetKinds(unsigned chains) {
   }
 }
 
-// Returns whether the product is another one.
-inline bool FrameChains::Chain::TakeIn(bool isMoved) {
+// With the rules of the products at hand.
+inline bool FrameChains::Chain::HasToBeMultiplied(bool isMoved) {
   if (isMoved) {
     firstChange = std::min(firstChange, firstMoving);
   }
@@ -191,15 +199,22 @@ inline bool FrameChains::Chain::TakeIn(bool isMoved) {
 }
 
 // The kinds of products are known before their numbers are; they change when a rotary axis comes to
-// stand at 0, or leaves it. Products of exact unit axes need not be computed.
-__attribute__((noinline)) void FrameChains::Chain::FindProducts() {
+// stand at 0, or leaves it. Products of exact unit axes need not be computed. Apart from what is
+// done at each call, as everything rare.
+[[gnu::noinline]] void FrameChains::Chain::FindProducts() {
   areKindsKnown = true;
   areDirectionsStored = false;
+  firstTurn = nullptr;
   Matrix43::Type type = Matrix43::Identity;
   bool isShifted = true;
   for (Step& step : steps) {
     const Matrix43::Type linkType = step.link->Frame().type;
     step.product = KindOfProduct(linkType, type);
+    if (isShifted && step.product.rule == ProductRule::LeftMoved &&
+        step.link->AffineRule() >= ProductRule::TurnedX) {
+      firstTurn = &step;
+      turnRule = step.link->AffineRule();
+    }
     isShifted = isShifted &&
                 (linkType == Matrix43::Identity || linkType == Matrix43::Translation) &&
                 HasExactUnitAxes(step.link->Frame());
@@ -209,6 +224,7 @@ __attribute__((noinline)) void FrameChains::Chain::FindProducts() {
     type = step.product.type;
   }
   frame.type = type;
+  hasUnitAxes = isShifted;
   const auto hasRule = [this](const Step* step, ProductRule rule) {
     return step != steps.data() && step[-1].product.rule == rule;
   };
@@ -248,14 +264,12 @@ inline void FrameChains::Chain::MultiplyAs() {
   firstChange = end;
 }
 
-__attribute__((noinline)) void FrameChains::Chain::MultiplyInMemory() {
-  MultiplyAs<ProductInMemory>();
-}
+[[gnu::noinline]] void FrameChains::Chain::MultiplyInMemory() { MultiplyAs<ProductInMemory>(); }
 
 // Multiplies the chains whose bits are set, and those that never were.
 void FrameChains::Multiply(unsigned changed) {
   for (Chain& chain : chains_) {
-    if (chain.TakeIn((changed & 1U) != 0)) {
+    if (chain.HasToBeMultiplied((changed & 1U) != 0)) {
       if (chain.isExact) {
         chain.MultiplyAs<ProductInRows>();
       } else {
@@ -267,8 +281,10 @@ void FrameChains::Multiply(unsigned changed) {
 }
 
 #ifdef ORVO_WIDE
-// The same with wide rows, which are kept as they are. The last links mostly are linear axes and
-// what carries them: they only move the origin.
+// The same with wide rows, which are kept as they are. The first of them mostly is a turn after
+// shifts, whose own directions are those of the product; that costs more than to compute them, and
+// but for what is no number they are the same. The last ones mostly are linear axes and what
+// carries them: they only move the origin.
 ORVO_WIDE_INLINE void FrameChains::Chain::MultiplyWide() {
   double* const keptRows = kept + (IdentityRows - IdentityFrame);
   const Step* step = Resume();
@@ -281,6 +297,10 @@ ORVO_WIDE_INLINE void FrameChains::Chain::MultiplyWide() {
     keptPlace = firstChange;
   }
   if (step < firstMove || !areDirectionsStored) {
+    if (step == firstTurn && HasNumbers(step->link->Frame().elements)) {
+      product = TurnRowsWide(turnRule, step->link->Frame().elements, product);
+      ++step;
+    }
     for (; step < firstMove; ++step) {
       product = MultiplyRowsWide(step->product.rule, step->link->Frame().elements, product);
     }
@@ -304,7 +324,7 @@ ORVO_WIDE_INLINE void FrameChains::Chain::MultiplyWide() {
 
 ORVO_WIDE void FrameChains::MultiplyWide(unsigned changed) {
   for (Chain& chain : chains_) {
-    if (chain.TakeIn((changed & 1U) != 0)) {
+    if (chain.HasToBeMultiplied((changed & 1U) != 0)) {
       if (chain.isExact) {
         chain.MultiplyWide();
       } else {

@@ -27,7 +27,8 @@ class FrameChains {
   /// Axes with these registers stay at 0, whatever the position says.
   void KeepAtZero(std::initializer_list<int> registers) { zeroRegisters_ = registers; }
 
-  /// Takes down the links from an element, or none where that is null, up to the root. Returns
+  /// Takes down the links from an element, or none where that is null, up to the root; identities
+  /// leave all products as they are, and count for nothing. Returns
   /// false for a link that only the general computation takes: there is no such frame then.
   /// Frames are numbered as they are added; there are at most 32.
   bool Add(const Entity* element, Axes axes);
@@ -48,6 +49,9 @@ class FrameChains {
 
   /// The kind of a frame, after Update().
   Matrix43::Type Type(std::size_t number) const { return chains_[number].frame.type; }
+
+  /// Tells whether the directions of a frame are exactly the unit axes, after Update().
+  bool HasUnitAxes(std::size_t number) const { return chains_[number].hasUnitAxes; }
 
   /// A frame, after Update().
   const TypedFrame& Frame(std::size_t number) {
@@ -76,7 +80,7 @@ class FrameChains {
   };
 
   struct Chain {
-    bool TakeIn(bool isMoved);
+    bool HasToBeMultiplied(bool isMoved);
     void FindProducts();
     const Step* Resume();
     template <typename Product>
@@ -86,31 +90,35 @@ class FrameChains {
     void WriteFrame();
 
     Axes axes = Axes::All;
+    bool isExact = true;  // the fourth rows of all links are exactly (0, 0, 0, 1)
+    bool hasChanged = false;
     std::vector<std::uint32_t> links;  // from the element to the root, by number, until Prepare()
     std::vector<Step> steps;           // from then on, of the same
     const Step* end = nullptr;
-    bool isExact = true;  // the fourth rows of all links are exactly (0, 0, 0, 1)
-    bool areKindsKnown = false;
-    bool hasChanged = false;
 
     // The first place whose link changed since the last product. A short chain is taken to change
-    // from its first axis that counts, or nowhere: to find out more would take as long.
+    // from its first axis that counts on, or not at all: to find out more would take as long.
     const Step* firstChange = nullptr;
-    const Step* firstMoving = nullptr;  // of a short chain
-    alignas(32) TypedFrame frame;
+    const Step* firstMoving = nullptr;  // the end of a longer chain
+    const Step* keptPlace = nullptr;    // where the last change began
 
-    // The product of the links before a place, where the last change began: by columns, or by
-    // rows where these are multiplied.
-    const Step* keptPlace = nullptr;
-    alignas(32) double kept[16];
+    // What follows from the kinds of the links.
+    bool areKindsKnown = false;
+    bool hasUnitAxes = false;         // the product, exactly
+    ProductRule turnRule{};           // of a turn about X, Y or Z of exact unit axes ...
+    const Step* firstTurn = nullptr;  // ... and its place, if any
+    const Step* firstMove = nullptr;  // the first of the last ones, which only move the origin ...
+    const Step* shift = nullptr;      // ... and the same if it is the one that is Shifted
 
-    // With wide rows: the place from which on links only move the origin, and there the one that
-    // shifts it, if any. The directions are stored no more often than those before change.
-    const Step* firstMove = nullptr;
-    const Step* shift = nullptr;
+    // The frame; with wide rows by these, and by columns when asked for. The directions are stored
+    // no more often than links before firstMove change.
     bool areDirectionsStored = false;
     bool isFrameWritten = true;
     StoredRows rows{};
+    alignas(32) TypedFrame frame;
+
+    // The product of the links before keptPlace: by columns, or by rows where these are multiplied.
+    alignas(32) double kept[16];
   };
 
   /// A place of a moving link in a chain.

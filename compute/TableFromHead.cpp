@@ -75,8 +75,8 @@ void TableFromHead::PlaceRigid() {
   tableFromHead_.type = Matrix43::RotationTranslation;
 }
 
-__attribute__((noinline)) void TableFromHead::Move(const Vector3D& offset,
-                                                   Matrix43* tableFromToolPoint) const {
+[[gnu::noinline]] void TableFromHead::Move(const Vector3D& offset,
+                                           Matrix43* tableFromToolPoint) const {
   TypedFrame headFromToolPoint;
   SetHeadFromToolPoint(offset, &headFromToolPoint);
   FrameAccess::SetType(
@@ -94,10 +94,12 @@ ORVO_WIDE bool TableFromHead::PlaceAndMoveWide(bool isPlaced, const Vector3D& of
     const WideInverse tableFromWorld = InvertStored(chains_.Rows(Table));
     const WideTriple& directions = tableFromWorld.directions;
     const StoredRows& head = chains_.Rows(Head);
-    frame = JoinColumns(
-        {CombineStored(directions, head.rows + 1), CombineStored(directions, head.rows + 2),
-         CombineStored(directions, head.rows + 3)},
-        CombineColumns(directions, head.origin) + tableFromWorld.origin);
+    frame = JoinColumns(chains_.HasUnitAxes(Head)
+                            ? ImagesOfUnitAxes(directions)
+                            : WideTriple{CombineStored(directions, head.rows + 1),
+                                         CombineStored(directions, head.rows + 2),
+                                         CombineStored(directions, head.rows + 3)},
+                        CombineColumns(directions, head.origin) + tableFromWorld.origin);
     StoreWide(frame, tableFromHead_.elements);
     tableFromHead_.type = Matrix43::RotationTranslation;
   }

@@ -78,6 +78,13 @@ ORVO_WIDE_INLINE __m256d CombineColumns(const WideFrame& m, const double* p) {
   return CombineColumns(WideTriple{m.u, m.v, m.w}, p);
 }
 
+/// Returns CombineColumns() of (1, 0, 0), (0, 1, 0) and (0, 0, 1).
+ORVO_WIDE_INLINE WideTriple ImagesOfUnitAxes(const WideTriple& m) {
+  const __m256d zero = _mm256_setzero_pd();
+  const WideTriple none = {m.x * zero, m.y * zero, m.z * zero};
+  return {m.x + (none.y + none.z), none.x + (m.y + none.z), none.x + (none.y + m.z)};
+}
+
 /// The same x, y, z with the fourth row of a direction, 0, or of an origin, 1.
 ORVO_WIDE_INLINE __m256d AsDirection(const __m256d& a) {
   return _mm256_blend_pd(a, _mm256_setzero_pd(), 0b1000);

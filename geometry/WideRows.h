@@ -120,6 +120,14 @@ ORVO_WIDE_INLINE WideRows ImageOfRows(const double* a, const WideRows& b) {
   return {CombineRows(a, 0, b), CombineRows(a, 1, b), CombineRows(a, 2, b)};
 }
 
+/// Returns the product of a turn about the axis of a rule and another frame.
+ORVO_WIDE_INLINE WideRows TurnRowsWide(ProductRule rule, const double* a, const WideRows& b) {
+  return MoveRows(rule == ProductRule::TurnedX   ? TurnWideX(a[5], a[6], b)
+                  : rule == ProductRule::TurnedY ? TurnWideY(a[0], a[8], b)
+                                                 : TurnWideZ(a[0], a[1], b),
+                  a + 12);
+}
+
 /// Returns the product a * b by the rule for the kinds of the two, as MultiplyFrames() does; not
 /// for projective frames. Frequent rules come first: a jump by a table costs more than the sums.
 ORVO_WIDE_INLINE WideRows MultiplyRowsWide(ProductRule rule, const double* a, const WideRows& b) {
@@ -127,10 +135,7 @@ ORVO_WIDE_INLINE WideRows MultiplyRowsWide(ProductRule rule, const double* a, co
     return MoveRows(b, a + 12);
   }
   if (rule >= ProductRule::TurnedX) {
-    return MoveRows(rule == ProductRule::TurnedX   ? TurnWideX(a[5], a[6], b)
-                    : rule == ProductRule::TurnedY ? TurnWideY(a[0], a[8], b)
-                                                   : TurnWideZ(a[0], a[1], b),
-                    a + 12);
+    return TurnRowsWide(rule, a, b);
   }
   if (rule == ProductRule::LeftMoved) {
     const WideRows left = RowsOfFrame(a);

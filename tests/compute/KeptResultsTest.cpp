@@ -199,6 +199,50 @@ TEST(KeptResults, GiveThePlainAnswersForAllSortsOfValues) {
   }
 }
 
+// A trunnion whose head only travels and whose table stands off the first of the two rotary axes,
+// about each pair of X, Y and Z, with identities in between.
+TEST(KeptResults, TurnAndTravelAsThePlainComputation) {
+  const double infinity = std::numeric_limits<double>::infinity();
+  const Vector3D axes[] = {AxisX, AxisY, AxisZ, Vector3D(-1, 0, 0)};
+  for (const Vector3D& outer : axes) {
+    for (const Vector3D& inner : axes) {
+      Machine machine;
+      AddFixed(machine, -1, Matrix43());
+      AddFixed(machine, 1, TranslationFrame(0, -0.0, -400));
+      AddLinear(machine, 2, AxisX, 0);
+      AddFixed(machine, 3, Matrix43());
+      AddLinear(machine, 4, AxisY, 1);
+      AddLinear(machine, 5, AxisZ, 2);
+      AddHead(machine, 6, TranslationFrame(0, 12, 600));
+      AddFixed(machine, 2, TranslationFrame(35, -20, -0.0));
+      AddRotary(machine, 8, Vector3D(0, 0, 55), outer, 3);
+      AddRotary(machine, 9, Vector3D(1, -0.5, 0), inner, 4);
+      AddTable(machine, 10, TranslationFrame(0, -0.0, 80));
+      AddTable(machine, 10);
+      ASSERT_TRUE(machine.Finish());
+      MachineCompute compute(machine);
+      const double values[] = {0.0,  -0.0,     30.0,      -0.0,   180.0, NotANumber,
+                               90.0, infinity, -infinity, 5e-324, 0.0,   45.0};
+      Question q = WithPosition({1, 2, 3, 4, 5});
+      q.rotaries[0] = 3;
+      q.rotaries[1] = 4;
+      for (int reg = 0; reg < 5; ++reg) {
+        for (const double value : values) {
+          for (const double other : {0.0, 60.0}) {
+            q.pos[reg] = value;
+            q.pos[(reg + 1) % 5] = other;
+            for (q.table = 0; q.table < 2; ++q.table) {
+              ASSERT_EQ(Answer(compute, q), PlainAnswer(machine, q))
+                  << reg << " " << value << " " << other << " " << q.table;
+            }
+          }
+        }
+        q.pos[reg] = 10.0 * (reg + 1);
+      }
+    }
+  }
+}
+
 // Only 0 and -0 together make the one travel that is -0.
 TEST(KeptResults, TellZerosApart) {
   Machine machine;

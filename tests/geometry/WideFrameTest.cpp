@@ -210,10 +210,104 @@ TEST(WideFrame, TransposesAsTheKernel) {
   }
 }
 
+// With numbers where the origins of the rows were: the origin stands by itself.
+ORVO_WIDE StoredRows Store(const Frame16& frame) {
+  StoredRows stored{};
+  const WideRows rows = RowsOfFrame(frame.m);
+  StoreRowsWide(rows, stored.rows);
+  StoreLanes(stored.origin, OriginOfRows(rows));
+  stored.rows[0] = 1e10;
+  stored.rows[4] = NotANumber;
+  stored.rows[8] = -7.0;
+  stored.origin[3] = NotANumber;
+  return stored;
+}
+
+ORVO_WIDE void StoreAndTakeBack(const Frame16& frame, double* same) {
+  StoreWide(FrameOfRows(Store(frame)), same);
+}
+
+TEST(WideFrame, ComesBackFromStoredRows) {
+  if (!HasWideLanes()) {
+    return;
+  }
+  TestRandom random;
+  SCOPED_TRACE(random.Trace());
+  for (int i = 0; i < 1000; ++i) {
+    const Frame16 frame = WithExactFourthRow(DrawFrame(random));
+    Frame16 same;
+    StoreAndTakeBack(frame, same.m);
+    ASSERT_TRUE(SameBits(same.m, frame.m, 16, "the frame's")) << i;
+  }
+}
+
+ORVO_WIDE void ImagesAsFrame(const Frame16& frame, double* images) {
+  const WideFrame m = LoadWide(frame.m);
+  const WideTriple found = ImagesOfUnitAxes({m.u, m.v, m.w});
+  StoreWide({found.x, found.y, found.z, m.t}, images);
+}
+
+TEST(WideFrame, TurnsUnitAxesAsTheKernel) {
+  if (!HasWideLanes()) {
+    return;
+  }
+  TestRandom random;
+  SCOPED_TRACE(random.Trace());
+  for (int i = 0; i < 4000; ++i) {
+    const Frame16 frame = DrawFrame(random);
+    const Directions expected = ImageOfDirections(LoadDirections(frame.m), IdentityFrame);
+    Frame16 kernel;
+    StoreLanes(kernel.m, expected.u);
+    StoreLanes(kernel.m + 4, expected.v);
+    StoreLanes(kernel.m + 8, expected.w);
+    Frame16 images;
+    ImagesAsFrame(frame, images.m);
+    ASSERT_TRUE(SameBits(images.m, kernel.m, 12, "the directions'")) << i;
+  }
+}
+
+ORVO_WIDE void TurnByRows(ProductRule rule, const Frame16& a, const Frame16& b, double* product) {
+  StoreWide(FrameOfRows(TurnRowsWide(rule, a.m, RowsOfFrame(b.m))), product);
+}
+
+// A sine and a cosine that are neither 0 nor no number leave a copy of the turn's directions.
+TEST(WideFrame, TurnsShiftsIntoCopiesOfTheTurn) {
+  if (!HasWideLanes()) {
+    return;
+  }
+  TestRandom random;
+  SCOPED_TRACE(random.Trace());
+  const ProductRule rules[] = {ProductRule::TurnedX, ProductRule::TurnedY, ProductRule::TurnedZ};
+  const double rare[] = {1.0, -1.0, 5e-324, -5e-324, 1e-200, -1e-17};
+  const auto draw = [&random, &rare] {
+    return random.Chance(0.3) ? rare[random.Integer(0, 5)] : random.Real(-1.0, 1.0);
+  };
+  for (const Direction axis : {X, Y, Z}) {
+    SCOPED_TRACE(static_cast<int>(axis));
+    for (int i = 0; i < 4000; ++i) {
+      Frame16 turn;
+      CopyFrame(IdentityFrame, turn.m);
+      const Directions directions = PrincipalTurn(axis, draw(), draw());
+      StoreLanes(turn.m, WithW(directions.u, 0.0));
+      StoreLanes(turn.m + 4, WithW(directions.v, 0.0));
+      StoreLanes(turn.m + 8, WithW(directions.w, 0.0));
+      Frame16 shift;
+      CopyFrame(IdentityFrame, shift.m);
+      for (int k = 12; k < 15; ++k) {
+        turn.m[k] = DrawAny(random);
+        shift.m[k] = DrawAny(random);
+      }
+      Frame16 expected;
+      Frame16 product;
+      MultiplyFrames(ProductRule::LeftMoved, turn.m, shift.m, expected.m);
+      TurnByRows(rules[axis], turn, shift, product.m);
+      ASSERT_TRUE(SameBits(product.m, expected.m, 16, "the product's")) << i;
+    }
+  }
+}
+
 ORVO_WIDE void InvertByRows(const Frame16& frame, double* inverse) {
-  alignas(32) double rows[12];
-  StoreRowsWide(RowsOfFrame(frame.m), rows);
-  const WideInverse found = InvertStored(rows);
+  const WideInverse found = InvertStored(Store(frame));
   StoreWide(JoinColumns(found.directions, found.origin), inverse);
 }
 
