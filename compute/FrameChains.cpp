@@ -72,7 +72,7 @@ bool FrameChains::Add(const Entity* element, Axes axes) {
       registerBound_ = std::max(registerBound_, static_cast<std::size_t>(links_.back().Reg() + 1));
     }
     const KeptLink& link = links_[found->second];
-    if (link.IsAxis() || link.Frame().type != Matrix43::Identity) {
+    if (link.Frame().type != Matrix43::Identity) {
       chain.links.push_back(found->second);
       chain.isExact = chain.isExact && HasExactFourthRow(link.Frame());
     }

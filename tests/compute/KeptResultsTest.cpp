@@ -169,6 +169,10 @@ TEST(KeptResults, AreUsed) {
   KeepNothing(plain);
   Answer(plain, q);
   EXPECT_EQ(RecordOf(plain).kept.frames.Find({}, size), nullptr);
+  // Nor where something was kept before.
+  EXPECT_TRUE(kept.AreCurrent(kinematic));
+  KeepNothing(compute);
+  EXPECT_FALSE(kept.AreCurrent(kinematic));
 }
 
 TEST(KeptResults, GiveThePlainAnswersForAllSortsOfValues) {
