@@ -84,6 +84,13 @@ bool AllFrames::Compute(const double* values, Matrix43* frames) {
 }
 
 inline void AllFrames::SetAxisValues(const double* values) {
+  for (Axis& axis : linearAxes_) {
+    const double value = values[axis.reg];
+    if (!IsSameValue(value, axis.value)) {
+      axis.value = value;
+      axis.link->SetTravel(value);
+    }
+  }
   for (Axis& axis : rotaryAxes_) {
     const double value = values[axis.reg];
     if (!IsSameValue(value, axis.value)) {
@@ -93,13 +100,6 @@ inline void AllFrames::SetAxisValues(const double* values) {
       if (axis.link->Frame().type != typeBefore) {
         areKindsKnown_ = false;
       }
-    }
-  }
-  for (Axis& axis : linearAxes_) {
-    const double value = values[axis.reg];
-    if (!IsSameValue(value, axis.value)) {
-      axis.value = value;
-      axis.link->SetTravel(value);
     }
   }
 }
