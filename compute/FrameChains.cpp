@@ -21,10 +21,6 @@ void SetIdentity(TypedFrame* frame) {
 // So few links are multiplied as quickly as it is found out where the first change is.
 constexpr std::size_t ShortChain = 16;
 
-// Tells whether the sine and the cosine of a turn about X, Y or Z are numbers. The latter stands in
-// one of these two places at least.
-bool HasNumbers(const double* turn) { return !std::isnan(turn[0] * turn[5]); }
-
 // The product of some links of a chain, to which more are added before it.
 class ProductInMemory {
  public:
@@ -54,6 +50,12 @@ class ProductInRows {
  private:
   FrameRows rows_;
 };
+
+#ifdef ORVO_WIDE
+// Tells whether the sine and the cosine of a turn about X, Y or Z are numbers. The latter stands in
+// one of these two places at least.
+bool HasNumbers(const double* turn) { return !std::isnan(turn[0] * turn[5]); }
+#endif
 
 }  // namespace
 

@@ -64,7 +64,7 @@ class FrameChains {
     return chain.frame;
   }
 
-  /// Tells whether Rows() holds a frame; not that of a null element.
+  /// Tells whether Rows() holds a frame; not the identity that stands for no links.
   bool HasRows(std::size_t number) const {
     return isWide_ && chains_[number].isExact && !chains_[number].steps.empty();
   }

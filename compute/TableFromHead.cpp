@@ -75,6 +75,7 @@ void TableFromHead::PlaceRigid() {
   tableFromHead_.type = Matrix43::RotationTranslation;
 }
 
+// Apart, as it is rare where there are wide rows.
 [[gnu::noinline]] void TableFromHead::Move(const Vector3D& offset,
                                            Matrix43* tableFromToolPoint) const {
   TypedFrame headFromToolPoint;

@@ -18,8 +18,7 @@ export WINEPREFIX WINEDEBUG WINEPATH WINEDLLOVERRIDES
 unset DISPLAY
 
 # Wine's server ends when its last program has ended. A program that starts in this moment is turned
-# away before its first instruction, in about one of 50 starts in a row; it is
-# started again.
+# away before its first instruction, which befell one of 50 starts in a row; it is started again.
 errors=$(mktemp)
 trap 'rm -f "$errors"' EXIT
 for _ in 1 2 3 4 5; do
