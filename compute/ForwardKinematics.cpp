@@ -82,7 +82,7 @@ bool MachineCompute::ComputePositionMachine(const MachinePosition& pos,
   const Machine& machine = *record.machine;
   if (record.kept.AreCurrent(machine.kinematic_) && machine.finished_ && frames != nullptr) {
     const std::vector<double>& values = PositionAccess::Values(pos);
-    AllFrames* const all = record.kept.frames.Find({}, values.size());
+    AllFrames* const all = record.kept.frames.FindLatest({}, values.size());
     if (all != nullptr && frames->size() == all->FrameNb()) {
       return all->Compute(values.data(), frames->data());
     }
@@ -146,7 +146,7 @@ bool MachineCompute::ComputeMcsToToolTcs(const MachinePosition& pos, const HeadI
     const std::vector<double>& values = PositionAccess::Values(pos);
     const KinematicImplementation& store = KinematicAccess::Store(machine.kinematic_);
     TableFromHead* const tableFromHead =
-        record.kept.tableFromHead.Find({store.Head(head), store.Table(table)}, values.size());
+        record.kept.tableFromHead.FindLatest({store.Head(head), store.Table(table)}, values.size());
     if (tableFromHead != nullptr) {
       return tableFromHead->Compute(values.data(), offset, frame);
     }

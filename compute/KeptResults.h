@@ -8,7 +8,9 @@
 
 #include <Orvo/Kin/Entity.h>
 
+#include <algorithm>
 #include <cstddef>
+#include <limits>
 #include <memory>
 #include <new>
 #include <utility>
@@ -56,7 +58,7 @@ class KeptResults {
    public:
     /// Returns the result for a key and a position of a size, or null; for an empty one always.
     Result* Find(const Key& key, std::size_t valueNb) {
-      if (!(latest_ != nullptr && latest_->key == key)) {
+      if (!IsLatest(key)) {
         latest_ = nullptr;
         for (const auto& entry : entries_) {
           if (entry->key == key) {
@@ -64,9 +66,12 @@ class KeptResults {
           }
         }
       }
-      const bool isFound = latest_ != nullptr && latest_->isUsable && valueNb != 0 &&
-                           valueNb >= latest_->result.RegisterBound();
-      return isFound ? &latest_->result : nullptr;
+      return FindLatest(key, valueNb);
+    }
+
+    /// The same for the key that was asked for last; null for others.
+    Result* FindLatest(const Key& key, std::size_t valueNb) {
+      return IsLatest(key) && valueNb >= latest_->leastValueNb ? &latest_->result : nullptr;
     }
 
     /// Makes the result for a key by build(&result), if need be, and finds it. Without memory for
@@ -80,7 +85,9 @@ class KeptResults {
       try {
         auto entry = std::make_unique<Entry>();
         entry->key = key;
-        entry->isUsable = build(&entry->result);
+        if (build(&entry->result)) {
+          entry->leastValueNb = std::max<std::size_t>(1, entry->result.RegisterBound());
+        }
         if (entries_.size() < MostEntries) {
           entries_.push_back(std::move(entry));
         } else {
@@ -100,9 +107,12 @@ class KeptResults {
 
     struct Entry {
       Key key;
-      bool isUsable = false;
+      // The smallest size of a position; none where the result can't be had.
+      std::size_t leastValueNb = std::numeric_limits<std::size_t>::max();
       Result result;
     };
+
+    bool IsLatest(const Key& key) const { return latest_ != nullptr && latest_->key == key; }
 
     std::vector<std::unique_ptr<Entry>> entries_;
     Entry* latest_ = nullptr;
