@@ -283,10 +283,10 @@ void FrameChains::Multiply(unsigned changed) {
 }
 
 #ifdef ORVO_WIDE
-// The same with wide rows, which are kept as they are. The first of them mostly is a turn after
-// shifts, whose own directions are those of the product; that costs more than to compute them, and
-// but for what is no number they are the same. The last ones mostly are linear axes and what
-// carries them: they only move the origin.
+// The same with wide rows, which are kept as they are. A chain mostly begins to change at a turn of
+// exact unit axes. The product then has the turn's own directions; to compute them from its sine
+// and cosine is quicker than to gather its rows, and gives the same unless these are no numbers. A
+// chain mostly ends with linear axes and what carries them, which only move the origin.
 ORVO_WIDE_INLINE void FrameChains::Chain::MultiplyWide() {
   double* const keptRows = kept + (IdentityRows - IdentityFrame);
   const Step* step = Resume();
