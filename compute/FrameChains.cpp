@@ -217,9 +217,8 @@ inline bool FrameChains::Chain::HasToBeMultiplied(bool isMoved) {
       firstTurn = &step;
       turnRule = step.link->AffineRule();
     }
-    isShifted = isShifted &&
-                (linkType == Matrix43::Identity || linkType == Matrix43::Translation) &&
-                HasExactUnitAxes(step.link->Frame());
+    isShifted =
+        isShifted && linkType == Matrix43::Translation && HasExactUnitAxes(step.link->Frame());
     if (step.product.rule == ProductRule::Affine) {
       step.product.rule = isShifted ? ProductRule::Shifted : step.link->AffineRule();
     }

@@ -69,7 +69,8 @@ class KeptResults {
       return FindLatest(key, valueNb);
     }
 
-    /// The same for the key that was asked for last; null for others.
+    /// The same without a search: null for another key than the one that was asked for last. For
+    /// calls whose general way finds the others soon enough.
     Result* FindLatest(const Key& key, std::size_t valueNb) {
       return IsLatest(key) && valueNb >= latest_->leastValueNb ? &latest_->result : nullptr;
     }
