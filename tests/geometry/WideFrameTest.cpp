@@ -126,12 +126,10 @@ TEST(WideFrame, MultipliesAsTheKernelByAllRulesBitForBit) {
   }
 }
 
-// A turn about a principal axis by any cosine and sine, with any origin.
-Frame16 DrawTurn(TestRandom& random, Direction axis) {
+// A turn about a principal axis, with any origin.
+Frame16 DrawTurn(TestRandom& random, Direction axis, double s, double c) {
   Frame16 turn;
   CopyFrame(IdentityFrame, turn.m);
-  const double c = random.Chance(0.5) ? random.Real(-1.0, 1.0) : DrawAny(random);
-  const double s = random.Chance(0.5) ? random.Real(-1.0, 1.0) : DrawAny(random);
   const Directions directions = PrincipalTurn(axis, s, c);
   StoreLanes(turn.m, WithW(directions.u, 0.0));
   StoreLanes(turn.m + 4, WithW(directions.v, 0.0));
@@ -140,6 +138,13 @@ Frame16 DrawTurn(TestRandom& random, Direction axis) {
     turn.m[i] = DrawAny(random);
   }
   return turn;
+}
+
+// The same by any cosine and sine.
+Frame16 DrawTurn(TestRandom& random, Direction axis) {
+  const double c = random.Chance(0.5) ? random.Real(-1.0, 1.0) : DrawAny(random);
+  const double s = random.Chance(0.5) ? random.Real(-1.0, 1.0) : DrawAny(random);
+  return DrawTurn(random, axis, s, c);
 }
 
 TEST(WideFrame, TurnsAsTheKernelMultipliesBitForBit) {
@@ -285,16 +290,11 @@ TEST(WideFrame, TurnsShiftsIntoCopiesOfTheTurn) {
   for (const Direction axis : {X, Y, Z}) {
     SCOPED_TRACE(static_cast<int>(axis));
     for (int i = 0; i < 4000; ++i) {
-      Frame16 turn;
-      CopyFrame(IdentityFrame, turn.m);
-      const Directions directions = PrincipalTurn(axis, draw(), draw());
-      StoreLanes(turn.m, WithW(directions.u, 0.0));
-      StoreLanes(turn.m + 4, WithW(directions.v, 0.0));
-      StoreLanes(turn.m + 8, WithW(directions.w, 0.0));
+      const double sine = draw();
+      const Frame16 turn = DrawTurn(random, axis, sine, draw());
       Frame16 shift;
       CopyFrame(IdentityFrame, shift.m);
       for (int k = 12; k < 15; ++k) {
-        turn.m[k] = DrawAny(random);
         shift.m[k] = DrawAny(random);
       }
       Frame16 expected;
